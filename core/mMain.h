@@ -56,8 +56,8 @@ int Show_Message(const QString& text, int flags, const QString& title, const QSt
 
 // What Show_Message shows on: a window front end installs a message box, a terminal prints.
 // Without a handler the text goes to standard error and the answer is the box's first button.
-using MessageHandler = std::function<int(const QString& text, int flags, const QString& title,
-                                         const QString& detail)>;
+using MessageHandler =
+    std::function<int(const QString& text, int flags, const QString& title, const QString& detail)>;
 void Set_MessageHandler(MessageHandler handler);
 
 } // namespace morvane

@@ -1,0 +1,118 @@
+#include "Folders_Mods.h"
+
+#include "Globals.h"
+#include "Registry_Mod.h"
+#include "mMain.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace morvane {
+
+namespace {
+QString withSeparator(const QString& path) {
+    if (path.isEmpty() || path.endsWith(QLatin1Char('/'))) return path;
+    return path + QLatin1Char('/');
+}
+
+bool folderExists(const QString& path) {
+    return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+// The stored folder when it still exists, otherwise the first user folder that the desktop gives.
+QString pickFolder(const QString& settingName, std::initializer_list<int> fallbacks) {
+    const QString stored = Trim_Spaces(Read_Setting(REGISTRY_PRODUCT, settingName));
+    if (folderExists(stored)) return stored;
+    for (const int id : fallbacks) {
+        const QString folder = Get_SpecialFolder(id);
+        if (!folder.isEmpty()) return folder;
+    }
+    return QString();
+}
+} // namespace
+
+QString Get_SpecialFolder(int folderId) {
+    QString path;
+    switch (folderId) {
+    case CSIDL_APPDATA:
+        // The data home is ours to create, so it counts even before it exists.
+        return withSeparator(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    case CSIDL_PERSONAL:
+        path = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+        break;
+    case CSIDL_MYVIDEO:
+        path = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+        break;
+    case CSIDL_MYPICTURES:
+        path = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+        break;
+    case CSIDL_DESKTOP:
+        path = QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+        // A machine without a desktop folder still has a home, the nearest place a user looks.
+        if (!folderExists(path)) path = QDir::homePath();
+        break;
+    default:
+        return QString();
+    }
+    // XDG names folders that many machines never create; an absent folder is no folder.
+    return folderExists(path) ? withSeparator(path) : QString();
+}
+
+QString Program_Folder() {
+    const QString appDir = QCoreApplication::applicationDirPath();
+    // Installed: <prefix>/bin/morvane beside <prefix>/share/morvane/. From the build tree: the
+    // source's data/ folder, which the build records.
+    const QString installed = QDir(appDir).absoluteFilePath(QStringLiteral("../share/morvane"));
+    if (!appDir.isEmpty() && QFileInfo(installed).isDir()) return withSeparator(QDir::cleanPath(installed));
+#ifdef MORVANE_DATA_DIR
+    return withSeparator(QStringLiteral(MORVANE_DATA_DIR));
+#else
+    return withSeparator(appDir);
+#endif
+}
+
+void Init_Folders() {
+    QDir().mkpath(Folder_Data);
+    QDir().mkpath(Folder_Temp);
+    Path_Input = pickFolder(QStringLiteral("InputPath"), {CSIDL_MYVIDEO, CSIDL_PERSONAL, CSIDL_DESKTOP});
+    Path_LastDisc = Path_Input;
+    Path_Output = pickFolder(QStringLiteral("OutputPath"), {CSIDL_MYVIDEO, CSIDL_PERSONAL, CSIDL_DESKTOP});
+    Path_Capture =
+        pickFolder(QStringLiteral("CapturePath"), {CSIDL_MYPICTURES, CSIDL_PERSONAL, CSIDL_DESKTOP});
+}
+
+bool Ensure_OutputFolder(QString& outputBoxText) {
+    if (Trim_Spaces(outputBoxText).isEmpty()) outputBoxText = Get_SpecialFolder(CSIDL_PERSONAL);
+    const QString folder = Trim_Spaces(outputBoxText);
+    if (folder.isEmpty()) return false;
+    if (QFileInfo(folder).isDir()) return true;
+    if (QFileInfo::exists(folder)) return false; // a file stands where the folder should be
+    // One level only: a missing parent is the user's mistake to see, not ours to paper over.
+    return QDir().mkdir(folder);
+}
+
+QString Move_File(const QString& source, const QString& target) {
+    QFile file(source);
+    if (file.rename(target)) return QString();
+    return file.errorString();
+}
+
+void Delete_File(const QString& path) {
+    QFile file(path);
+    if (!file.exists()) return;
+    file.setPermissions(file.permissions() | QFileDevice::WriteOwner);
+    file.remove();
+}
+
+void Clear_TempPictures() {
+    if (Folder_Temp.isEmpty()) return;
+    const QDir temp(Folder_Temp);
+    const QStringList pictures = temp.entryList({QStringLiteral("*.bmp")}, QDir::Files | QDir::Hidden);
+    for (const QString& name : pictures)
+        Delete_File(temp.absoluteFilePath(name));
+}
+
+} // namespace morvane

@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# The table tool as people and the build use it: round trips, and clear failures on bad input.
+set -u
+tool="$1"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+checks=0
+check() { # description, condition result
+    checks=$((checks + 1))
+    if [ "$2" -eq 0 ]; then echo "ok: $1"; else echo "FAILED: $1"; failures=$((failures + 1)); fi
+}
+
+text='Phone "HD", 720 x 1280 é'
+hex=$("$tool" encipher-line "$text")
+[[ "$hex" =~ ^[0-9A-F]+$ ]]; check "encipher-line prints uppercase hexadecimal" $?
+bytes=$(printf %s "$text" | wc -c)
+[ ${#hex} -eq $(( (bytes + 8) * 2 )) ]; check "the line is the text's bytes plus an 8-byte trailer" $?
+[ "$("$tool" decipher-line "$hex")" = "$text" ]; check "decipher-line gives the text back" $?
+[ "$("$tool" decipher-line "&H$(echo "$hex" | tr 'A-F' 'a-f')")" = "$text" ]; check "lowercase digits and &H are taken" $?
+[ "$("$tool" encipher-line "$text")" = "$hex" ]; check "the same text gives the same line" $?
+
+"$tool" decipher-line ABC >/dev/null 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "odd number" "$work/err"; check "odd hexadecimal is refused" $?
+"$tool" decipher-line XYZW >/dev/null 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "not hexadecimal" "$work/err"; check "non-hexadecimal text is refused" $?
+"$tool" decipher-line 00112233445566778899AABB >/dev/null 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "does not decipher" "$work/err"; check "a line that does not decipher is refused" $?
+
+printf '"ID","Name"\r\n"1","A, b"\r\n\r\n"2","C"\r\n' > "$work/plain.txt"
+"$tool" encode "$work/plain.txt" "$work/table.dat"; check "encode succeeds" $?
+[ "$(wc -l < "$work/table.dat")" -eq 4 ]; check "one enciphered line per plain line" $?
+cmp -s <("$tool" decode "$work/table.dat") "$work/plain.txt"; check "decode gives the plain file back" $?
+printf '"ID"\n"1"\n' > "$work/lf.txt"
+"$tool" encode "$work/lf.txt" "$work/lf.dat" && [ "$("$tool" decode "$work/lf.dat")" = $'"ID"\r\n"1"\r' ]
+check "a plain file with bare line feeds is taken" $?
+
+"$tool" decode "$work/missing.dat" >/dev/null 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "missing.dat" "$work/err"; check "an unreadable file is named" $?
+printf 'GARBAGE\r\n' > "$work/bad.dat"
+"$tool" decode "$work/bad.dat" >/dev/null 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "line 1" "$work/err"; check "a bad line is reported with its number" $?
+"$tool" encode "$work/plain.txt" "$work/no/such/dir/out.dat" 2>/dev/null; [ $? -eq 1 ]; check "an unwritable output fails" $?
+"$tool" frobnicate 2>/dev/null; [ $? -eq 2 ]; check "an unknown command is a usage error" $?
+
+passed=$(( checks - failures ))
+echo "$passed passed, $failures failed"
+[ "$failures" -eq 0 ]

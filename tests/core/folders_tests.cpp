@@ -1,0 +1,148 @@
+#include "TempHome.h"
+
+#include "Folders_Mods.h"
+#include "Globals.h"
+#include "Registry_Mod.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+using namespace morvane;
+
+namespace {
+void touch(const QString& path) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("x");
+}
+} // namespace
+
+class FoldersTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        REGISTRY_PRODUCT = QStringLiteral("morvane-test/settings");
+        Folder_Data = home.path() + "/.local/share/morvane/";
+        Folder_Temp = Folder_Data + "temp/";
+    }
+    TempHome home;
+};
+
+TEST_F(FoldersTest, SpecialFoldersAreTheUserFoldersThatExist) {
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_MYVIDEO), "");
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_PERSONAL), "");
+    // No desktop folder: the home stands in for it.
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_DESKTOP), home.path() + '/');
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_APPDATA), home.path() + "/.local/share/");
+    EXPECT_EQ(Get_SpecialFolder(12345), "");
+
+    const QString videos = home.make("Videos");
+    const QString documents = home.make("Documents");
+    const QString pictures = home.make("Pictures");
+    const QString desktop = home.make("Desktop");
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_MYVIDEO), videos);
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_PERSONAL), documents);
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_MYPICTURES), pictures);
+    EXPECT_EQ(Get_SpecialFolder(CSIDL_DESKTOP), desktop);
+}
+
+TEST_F(FoldersTest, InitFoldersFallsBackFolderByFolder) {
+    const QString videos = home.make("Videos");
+    const QString pictures = home.make("Pictures");
+    Init_Folders();
+    EXPECT_TRUE(QFileInfo(Folder_Data).isDir());
+    EXPECT_TRUE(QFileInfo(Folder_Temp).isDir());
+    EXPECT_EQ(Path_Input, videos);
+    EXPECT_EQ(Path_LastDisc, videos);
+    EXPECT_EQ(Path_Output, videos);
+    EXPECT_EQ(Path_Capture, pictures); // pictures first, never videos
+
+    // Without videos and pictures the documents folder serves, then the desktop.
+    QDir(videos).removeRecursively();
+    QDir(pictures).removeRecursively();
+    const QString documents = home.make("Documents");
+    Init_Folders();
+    EXPECT_EQ(Path_Output, documents);
+    EXPECT_EQ(Path_Capture, documents);
+    QDir(documents).removeRecursively();
+    Init_Folders();
+    EXPECT_EQ(Path_Input, home.path() + '/');
+}
+
+TEST_F(FoldersTest, StoredFoldersWinWhileTheyExist) {
+    const QString videos = home.make("Videos");
+    const QString stored = home.make("My Output");
+    const QString input = home.make("In");
+    ASSERT_TRUE(Write_Setting(REGISTRY_PRODUCT, "OutputPath", stored));
+    ASSERT_TRUE(Write_Setting(REGISTRY_PRODUCT, "InputPath", "  " + input + "  "));
+    ASSERT_TRUE(Write_Setting(REGISTRY_PRODUCT, "CapturePath", home.path() + "/gone/"));
+    Init_Folders();
+    EXPECT_EQ(Path_Output, stored);
+    EXPECT_EQ(Path_Input, input);
+    EXPECT_EQ(Path_LastDisc, input);
+    EXPECT_EQ(Path_Capture, home.path() + '/'); // no pictures, documents or desktop: the home
+
+    // A stored folder that is gone falls back, and the setting stays as it was.
+    QDir(stored).removeRecursively();
+    Init_Folders();
+    EXPECT_EQ(Path_Output, videos);
+    EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, "OutputPath"), stored);
+}
+
+TEST_F(FoldersTest, EnsureOutputFolderCreatesOneLevelOnly) {
+    const QString documents = home.make("Documents");
+    QString box = "   ";
+    EXPECT_TRUE(Ensure_OutputFolder(box));
+    EXPECT_EQ(box, documents);
+
+    box = home.path() + "/new-folder";
+    EXPECT_TRUE(Ensure_OutputFolder(box));
+    EXPECT_TRUE(QFileInfo(box).isDir());
+
+    box = home.path() + "/missing/parent";
+    EXPECT_FALSE(Ensure_OutputFolder(box));
+    EXPECT_FALSE(QFileInfo::exists(box));
+
+    touch(home.path() + "/a-file");
+    box = home.path() + "/a-file";
+    EXPECT_FALSE(Ensure_OutputFolder(box));
+
+    QDir(documents).removeRecursively();
+    box.clear();
+    EXPECT_FALSE(Ensure_OutputFolder(box)); // no documents folder to fall back on
+}
+
+TEST_F(FoldersTest, MoveAndDeleteFiles) {
+    const QString source = home.path() + "/clip.mp4";
+    const QString target = home.path() + "/renamed.mp4";
+    touch(source);
+    EXPECT_EQ(Move_File(source, target), "");
+    EXPECT_FALSE(QFileInfo::exists(source));
+    EXPECT_TRUE(QFileInfo::exists(target));
+
+    // Failures come back as the system's words, and nothing is overwritten.
+    touch(source);
+    EXPECT_NE(Move_File(source, target), "");
+    EXPECT_TRUE(QFileInfo::exists(source));
+    EXPECT_NE(Move_File(home.path() + "/nothing.mp4", home.path() + "/x.mp4"), "");
+
+    QFile::setPermissions(target, QFileDevice::ReadOwner);
+    Delete_File(target);
+    EXPECT_FALSE(QFileInfo::exists(target));
+    Delete_File(home.path() + "/never-there");
+}
+
+TEST_F(FoldersTest, ClearTempPicturesTakesOnlyBitmaps) {
+    QDir().mkpath(Folder_Temp);
+    touch(Folder_Temp + "thumb1.bmp");
+    touch(Folder_Temp + "thumb2.BMP");
+    touch(Folder_Temp + "format.dat");
+    Clear_TempPictures();
+    EXPECT_FALSE(QFileInfo::exists(Folder_Temp + "thumb1.bmp"));
+    EXPECT_FALSE(QFileInfo::exists(Folder_Temp + "thumb2.BMP"));
+    EXPECT_TRUE(QFileInfo::exists(Folder_Temp + "format.dat"));
+
+    Folder_Temp = home.path() + "/no-such-temp/";
+    Clear_TempPictures();
+}
