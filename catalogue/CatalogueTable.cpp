@@ -9,12 +9,18 @@ void CatalogueTable::addColumn(const QString& name, int width) {
 }
 
 qsizetype CatalogueTable::addRecord() {
+    return insertRecord(m_records.size());
+}
+
+qsizetype CatalogueTable::insertRecord(qsizetype index) {
+    if (index < 0 || index > m_records.size()) index = m_records.size();
     QStringList record;
     record.reserve(m_columns.size());
     for (qsizetype i = 0; i < m_columns.size(); ++i)
         record.append(QString());
-    m_records.append(std::move(record));
-    return m_records.size() - 1;
+    m_records.insert(index, std::move(record));
+    if (m_selectedRow >= index) ++m_selectedRow;
+    return index;
 }
 
 void CatalogueTable::setCell(qsizetype row, qsizetype column, const QString& text) {
@@ -34,16 +40,22 @@ qsizetype CatalogueTable::columnIndex(const QString& name) const {
 }
 
 void CatalogueTable::removeRecord(qsizetype row) {
-    if (row >= 0 && row < m_records.size()) m_records.removeAt(row);
+    if (row < 0 || row >= m_records.size()) return;
+    m_records.removeAt(row);
+    if (m_selectedRow == row)
+        m_selectedRow = -1;
+    else if (m_selectedRow > row)
+        --m_selectedRow;
 }
 
 void CatalogueTable::clearRecords() {
     m_records.clear();
+    m_selectedRow = -1;
 }
 
 void CatalogueTable::clear() {
     m_columns.clear();
-    m_records.clear();
+    clearRecords();
 }
 
 } // namespace morvane

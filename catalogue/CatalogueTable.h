@@ -24,6 +24,8 @@ public:
     void addColumn(const QString& name, int width);
     // A new record with an empty cell for every column; returns its index.
     qsizetype addRecord();
+    // The same, placed before the record at index (at the end when index is out of range).
+    qsizetype insertRecord(qsizetype index);
     void setCell(qsizetype row, qsizetype column, const QString& text);
     QString cell(qsizetype row, qsizetype column) const;
     // Index of the column of that name, case ignored, or -1.
@@ -32,6 +34,10 @@ public:
     void clearRecords();
     void clear(); // columns and records
 
+    // The selected record, -1 for none; removing records keeps it on a valid record or clears it.
+    qsizetype selectedRow() const { return m_selectedRow; }
+    void setSelectedRow(qsizetype row) { m_selectedRow = (row >= 0 && row < m_records.size()) ? row : -1; }
+
     // Counts the loads that ended normally, so that a view knows when to redraw.
     int refreshCount() const { return m_refreshCount; }
     void refresh() { ++m_refreshCount; }
@@ -39,6 +45,7 @@ public:
 private:
     QList<CatalogueColumn> m_columns;
     QList<QStringList> m_records;
+    qsizetype m_selectedRow = -1;
     int m_refreshCount = 0;
 };
 
