@@ -1,0 +1,304 @@
+#include "Encrypt_Mod.h"
+#include "FormatSetting.h"
+#include "Globals.h"
+#include "Preset_Mods.h"
+#include "Table_Files.h"
+#include "mMain.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace morvane;
+
+namespace {
+
+void addRows(CatalogueTable& table, const QStringList& columns, const QList<QStringList>& rows) {
+    for (const QString& name : columns)
+        table.addColumn(name, 200);
+    for (const QStringList& cells : rows) {
+        const qsizetype row = table.addRecord();
+        for (qsizetype i = 0; i < cells.size(); ++i)
+            table.setCell(row, i, cells.at(i));
+    }
+}
+
+class FormatSettingTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        addRows(catalogue.ReportControl_FormatMain,
+                {"Format", "VideoCodec", "AudioCodec", "FrameSize", "FPS", "AspectRatio", "FileExtention",
+                 "MaxWidth", "MaxHeight", "MaxVideoBitrate", "SampleRate", "Channels", "AudioSize"},
+                {
+                    {"MP4", "H.264", "#", "UseFrameLib", "UseFPSLib", "UseAspectRatioLib", "mp4;m4v;", "1920",
+                     "1080", "50000", "#", "#", "#"},
+                    {"MP4", "#", "AAC", "#", "#", "#", "#", "0", "0", "0", "22050 Hz;44100 Hz;48000 Hz;",
+                     "Mono;Stereo;", "16 bit;"},
+                    {"MP4", "#", "MP3", "#", "#", "#", "#", "0", "0", "0", "44100 Hz;48000 Hz;", "Stereo;",
+                     "16 bit;"},
+                    {"MP3", "No Video", "#", "-;", "Original;", "-;", "mp3;", "0", "0", "0", "#", "#", "#"},
+                    {"MP3", "#", "MP3", "#", "#", "#", "#", "0", "0", "0", "8000 Hz;44100 Hz;",
+                     "Mono;Stereo;", "16 bit;"},
+                    {"GIF", "Uncompressed", "No Audio", "UseFrameLib", "10 fps;", "Original;", "gif;", "800",
+                     "600", "0", "#", "#", "#"},
+                });
+        addRows(catalogue.ReportControl_PresetMain,
+                {"ID",         "Name",     "Format",       "Keyword",      "Maker",         "Type",
+                 "Thumbnail",  "Image",    "Removable",    "VideoCodec",   "AudioCodec",    "Width",
+                 "Height",     "FPS",      "QualityLevel", "VideoBitrate", "FileExtention", "AspectRatio",
+                 "SampleRate", "Channels", "AudioSize",    "AudioBitrate"},
+                {
+                    {"1",   "MP4 HD", "MP4",      "MP4",    "VideoFormat", "Video",   "mp4.png", "hd.png",
+                     "No",  "H.264",  "AAC",      "1280",   "720",         "30 fps",  "High",    "Smart Fit",
+                     "mp4", "16:9",   "44100 Hz", "Stereo", "16 bit",      "128 kbps"},
+                    {"2",   "Phone", "MP4",      "MP4",    "VideoFormat", "Video",   "mp4.png",   "ph.png",
+                     "No",  "H.264", "AAC",      "#720",   "480",         "25 fps",  "#Standard", "1500",
+                     "mp4", "4:3",   "48000 Hz", "Stereo", "16 bit",      "160 kbps"},
+                    {"3",   "MP3 128",  "MP3",      "MP3",    "AudioFormat", "Audio",    "mp3.png", "mp3.png",
+                     "No",  "No Video", "MP3",      "0",      "0",           "Original", "High",    "0",
+                     "mp3", "Original", "44100 Hz", "Stereo", "16 bit",      "128 kbps"},
+                    {"User-1",   "Mine",     "MP4",      "MP4",       "VideoFormat", "Video",
+                     "mp4.png",  "u.png",    "Yes",      "H.264",     "MP3",         "0",
+                     "0",        "Original", "Standard", "Smart Fit", "m4v",         "Original",
+                     "48000 Hz", "Stereo",   "16 bit",   "192 kbps"},
+                    {"5",         "GIF small", "GIF",      "GIF",    "VideoFormat",
+                     "Video",     "gif.png",   "gif.png",  "No",     "Uncompressed",
+                     "No Audio",  "320",       "240",      "10 fps", "High",
+                     "Smart Fit", "gif",       "Original", "",       "",
+                     "",          ""},
+                });
+        // The browser has opened the MP4 group.
+        List_FillByGroup(catalogue.ReportControl_PresetMain, "VideoFormat", "MP4",
+                         catalogue.Cmd_OutputPreset);
+        catalogue.Cmd_OutputPreset.select(0);
+        settings.PresetList_Fill("MP4", 0);
+        Set_MessageHandler([this](const QString& text, int, const QString& title, const QString&) {
+            questions << title + ": " + text;
+            return answer;
+        });
+    }
+    void TearDown() override { Set_MessageHandler(nullptr); }
+
+    QString text(int list) const {
+        return settings.Combo_OutputFile.at(static_cast<size_t>(list)).selectedText();
+    }
+    bool enabled(int list) const { return settings.Combo_OutputFile.at(static_cast<size_t>(list)).enabled; }
+    QString preset(qsizetype row, const char* column) const {
+        return Cell_Get(catalogue.ReportControl_PresetMain, row, QLatin1String(column));
+    }
+
+    Catalogue catalogue;
+    FormatSetting settings{catalogue};
+    QStringList questions;
+    int answer = ID_YES;
+};
+
+} // namespace
+
+TEST_F(FormatSettingTest, ApplyingAPresetFillsEveryField) {
+    settings.PresetList_Select(0);
+    EXPECT_EQ(text(List_VideoCodec), "H.264");
+    EXPECT_EQ(text(List_AudioCodec), "AAC");
+    EXPECT_EQ(settings.Txt_OutputVideoWidth.text, "1280");
+    EXPECT_EQ(settings.Txt_OutputVideoHeight.text, "720");
+    EXPECT_EQ(text(List_FrameSize), "1280 x 720");
+    EXPECT_FALSE(settings.Txt_OutputVideoWidth.visible);
+    EXPECT_EQ(text(List_FrameRate), "30 fps");
+    EXPECT_EQ(settings.Radio_Quality, Quality_High);
+    EXPECT_TRUE(settings.qualityEnabled);
+    EXPECT_EQ(text(List_VideoBitrate), "Smart Fit");
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "7741"); // 1280 x 720 x 30 x 4 x 0.07 / 1000
+    // The lower limit was taken when the codec was selected, before the size was set: 720 x 560.
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.minimum, 564);
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.maximum, 50000);
+    EXPECT_EQ(settings.Txt_OutputVideoWidth.maximum, 1920);
+    EXPECT_EQ(text(List_Extension), "mp4");
+    EXPECT_EQ(text(List_Aspect), "16:9");
+    EXPECT_EQ(text(List_SampleRate), "44100 Hz");
+    EXPECT_EQ(text(List_Channels), "Stereo");
+    EXPECT_EQ(text(List_SampleSize), "16 bit");
+    EXPECT_EQ(text(List_AudioBitrate), "128 kbps");
+    EXPECT_EQ(settings.Combo_OutputFile[List_AudioBitrate].count(), 14);
+    EXPECT_EQ(settings.Txt_Keyword, "MP4");
+    EXPECT_EQ(settings.Txt_Image, "hd.png");
+    EXPECT_EQ(settings.favoriteToolTip, "Add to favorites tab");
+    EXPECT_TRUE(settings.SettingsLive);
+    EXPECT_FALSE(settings.deleteEnabled);
+    // Applying changes nothing in the row.
+    EXPECT_EQ(preset(1, "VideoBitrate"), "Smart Fit");
+    EXPECT_FALSE(settings.PresetList.at(0).changed);
+}
+
+TEST_F(FormatSettingTest, LockMarksDisableTheirControlsAndSurviveStores) {
+    settings.PresetList_Select(1); // "Phone": width and quality locked
+    EXPECT_EQ(settings.Txt_OutputVideoWidth.text, "720");
+    EXPECT_FALSE(settings.Txt_OutputVideoWidth.enabled);
+    EXPECT_TRUE(settings.Txt_OutputVideoHeight.enabled);
+    EXPECT_FALSE(enabled(List_FrameSize)); // follows the width box
+    EXPECT_TRUE(enabled(List_FrameRate));
+    EXPECT_EQ(settings.Radio_Quality, Quality_Standard);
+    EXPECT_FALSE(settings.qualityEnabled);
+    EXPECT_EQ(text(List_VideoBitrate), "1500 kbps");
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "1500");
+    EXPECT_EQ(text(List_AudioBitrate), "160 kbps");
+
+    // "Custom" shows the boxes, and the locked one stays disabled.
+    settings.selectListValue(List_FrameSize, "Custom", 0);
+    EXPECT_TRUE(settings.Txt_OutputVideoWidth.visible);
+    EXPECT_FALSE(settings.Txt_OutputVideoWidth.enabled);
+
+    // A live change stores the fields, and the locked cell keeps its mark.
+    settings.selectListValue(List_FrameRate, "24 fps", 0);
+    EXPECT_EQ(preset(2, "FPS"), "24 fps");
+    EXPECT_EQ(preset(2, "Width"), "#720");
+    EXPECT_EQ(preset(2, "QualityLevel"), "#Standard");
+    EXPECT_TRUE(settings.PresetList.at(1).changed);
+    settings.setQuality(Quality_High); // the radios are locked
+    EXPECT_EQ(settings.Radio_Quality, Quality_Standard);
+}
+
+TEST_F(FormatSettingTest, LiveChangesRecomputeAndStore) {
+    settings.PresetList_Select(0);
+    const qsizetype small = settings.Combo_OutputFile[List_FrameSize].indexOf("640 x 360");
+    ASSERT_GE(small, 0);
+    settings.selectListIndex(List_FrameSize, small);
+    EXPECT_EQ(settings.Txt_OutputVideoWidth.text, "640");
+    EXPECT_EQ(settings.Txt_OutputVideoHeight.text, "360");
+    EXPECT_EQ(text(List_VideoBitrate), "Smart Fit");
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "1935");
+    EXPECT_EQ(preset(1, "Width"), "640");
+    EXPECT_EQ(preset(1, "VideoBitrate"), "Smart Fit");
+    EXPECT_TRUE(settings.PresetList.at(0).changed);
+
+    settings.setQuality(Quality_SmallSize); // already "Smart Fit": the estimate still follows
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "484");
+    EXPECT_EQ(preset(1, "QualityLevel"), "SmallSize");
+
+    // A fixed rate that the new size no longer offers falls back to "Smart Fit".
+    settings.selectListValue(List_VideoBitrate, "3000 kbps", 0);
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "3000");
+    EXPECT_EQ(preset(1, "VideoBitrate"), "3000");
+    settings.selectListValue(List_FrameSize, "160 x 120", 0);
+    EXPECT_EQ(text(List_VideoBitrate), "Smart Fit");
+
+    // Boxes take digits only and never pass the limit; leaving them recomputes "Smart Fit".
+    settings.selectListValue(List_FrameSize, "Custom", 0);
+    settings.boxChanged(settings.Txt_OutputVideoWidth, "5x000");
+    EXPECT_EQ(settings.Txt_OutputVideoWidth.text, "1920");
+    settings.boxChanged(settings.Txt_OutputVideoHeight, "1080");
+    settings.boxLeft(settings.Txt_OutputVideoHeight);
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "4355"); // 1920 x 1080 x 30 x 1 x 0.07 / 1000
+    settings.spinPressed(settings.Txt_OutputVideoHeight, 1);
+    EXPECT_EQ(settings.Txt_OutputVideoHeight.text, "1080");
+
+    // Another audio codec keeps the rate, layout and size, and picks the row's bitrate again.
+    settings.selectListValue(List_AudioCodec, "MP3", 0);
+    EXPECT_EQ(text(List_SampleRate), "44100 Hz");
+    EXPECT_EQ(text(List_Channels), "Stereo");
+    EXPECT_EQ(text(List_AudioBitrate), "128 kbps");
+    EXPECT_EQ(settings.Combo_OutputFile[List_AudioBitrate].items().first().text, "96 kbps");
+    EXPECT_EQ(preset(1, "AudioCodec"), "MP3");
+}
+
+TEST_F(FormatSettingTest, NoVideoNoAudioAndNoBitrateLimit) {
+    settings.Preset_Apply(3); // audio only
+    EXPECT_EQ(text(List_VideoCodec), "No Video");
+    for (const int list : {List_FrameSize, List_FrameRate, List_Extension, List_Aspect, List_VideoBitrate})
+        EXPECT_FALSE(enabled(list)) << list;
+    EXPECT_EQ(text(List_VideoBitrate), "-");
+    EXPECT_FALSE(settings.Txt_OutputVideoBitrate.visible);
+    EXPECT_TRUE(enabled(List_SampleRate));
+
+    settings.Preset_Apply(5); // GIF: no audio, and a codec without a bitrate limit
+    EXPECT_EQ(text(List_AudioCodec), "No Audio");
+    for (const int list : {List_SampleRate, List_AudioBitrate, List_Channels, List_SampleSize})
+        EXPECT_FALSE(enabled(list)) << list;
+    EXPECT_TRUE(enabled(List_FrameSize));
+    EXPECT_EQ(text(List_VideoBitrate), "-");
+    EXPECT_EQ(settings.Combo_OutputFile[List_VideoBitrate].count(), 1);
+}
+
+TEST_F(FormatSettingTest, NewRenameAndDeleteUserPresets) {
+    QStringList prompts;
+    QString reply = "Mine 2";
+    settings.askPresetName = [&](const QString& title, const QString& label) {
+        prompts << title + "/" + label;
+        return reply;
+    };
+    int removals = 0;
+    settings.presetsRemoved = [&] { ++removals; };
+
+    settings.PresetList_Select(1);
+    settings.newPreset();
+    ASSERT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 6);
+    const qsizetype added = 6;
+    EXPECT_TRUE(preset(added, "ID").startsWith("User-"));
+    EXPECT_EQ(preset(added, "Name"), "Mine 2");
+    EXPECT_EQ(preset(added, "Removable"), "Yes");
+    EXPECT_EQ(preset(added, "Width"), "720"); // a new preset carries no locks
+    EXPECT_EQ(preset(added, "QualityLevel"), "Standard");
+    EXPECT_EQ(preset(added, "VideoBitrate"), "1500");
+    EXPECT_EQ(settings.PresetList.last().name, "Mine 2");
+    EXPECT_EQ(settings.presetListSelected, settings.PresetList.size() - 1);
+    EXPECT_TRUE(settings.deleteEnabled);
+    EXPECT_TRUE(settings.qualityEnabled);
+    EXPECT_EQ(settings.lbl_TotalPreset, "4 presets");
+    EXPECT_TRUE(questions.isEmpty());
+
+    // A built-in name is no conflict; a user preset's name asks, and No keeps everything.
+    reply = "MP4 HD";
+    settings.newPreset();
+    EXPECT_TRUE(questions.isEmpty());
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 7);
+    answer = ID_NO;
+    reply = "Mine";
+    settings.newPreset();
+    EXPECT_EQ(questions, QStringList({"Confirmation: The preset 'Mine' already exists, replace it ?"}));
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 7);
+    answer = ID_YES;
+    settings.newPreset(); // replaces the row and keeps its ID
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 7);
+    EXPECT_EQ(preset(4, "ID"), "User-1");
+    EXPECT_EQ(preset(4, "AudioCodec"), "AAC");
+
+    reply = "";
+    settings.newPreset(); // cancelled
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 7);
+
+    reply = "Renamed";
+    settings.renamePreset();
+    EXPECT_EQ(preset(4, "Name"), "Renamed");
+    EXPECT_EQ(settings.PresetList.at(settings.presetListSelected).name, "Renamed");
+
+    answer = ID_NO;
+    settings.deletePreset();
+    EXPECT_EQ(questions.last(), "Delete: Are you sure you want to delete 'Renamed' preset ?");
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 7);
+    answer = ID_YES;
+    settings.deletePreset();
+    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), 6);
+    EXPECT_EQ(Row_Find(catalogue.ReportControl_PresetMain, "ID", "User-1"), 0);
+    EXPECT_EQ(removals, 1);
+    EXPECT_EQ(prompts.first(), "New Preset/Name");
+    EXPECT_EQ(prompts.last(), "Rename Preset/New Name");
+}
+
+TEST_F(FormatSettingTest, AcceptingSavesOnlyUserPresets) {
+    QTemporaryDir dir;
+    Folder_UserPreset = dir.filePath("presets/");
+    File_UserPreset = "user.dat";
+    Catalogue_Passphrase = QString::fromLatin1(Catalogue_PassphraseText);
+    settings.askPresetName = [](const QString&, const QString&) { return QString("Saved"); };
+    settings.PresetList_Select(0);
+    settings.newPreset();
+    settings.Cmd_Panel(1);
+    EXPECT_EQ(catalogue.Cmd_OutputPreset.count(), settings.PresetList.size());
+    EXPECT_EQ(catalogue.Cmd_OutputPreset.selectedText(), "Saved");
+
+    CatalogueTable saved;
+    Table_LoadFile(saved, Folder_UserPreset + File_UserPreset, TableLoad_Replace, true);
+    ASSERT_EQ(saved.rowCount(), 2);
+    EXPECT_EQ(Cell_Get(saved, 1, "ID"), "User-1");
+    EXPECT_EQ(Cell_Get(saved, 2, "Name"), "Saved");
+    EXPECT_TRUE(questions.isEmpty());
+}
