@@ -4,6 +4,7 @@
 // from the two process-wide texts below. Main thread only.
 #pragma once
 
+#include "Aspect_Text.h"
 #include "Bitrate_Rules.h" // Auto_VideoBitrate belongs to the builder's rules as well
 #include "CheckedMath.h"
 
@@ -88,14 +89,6 @@ QString Make_PadFilter(std::int32_t& width, std::int32_t& height, std::int32_t c
 
 // Appends a filter to Filter_Chain, after a "," when the chain is not empty; "" is ignored.
 void Add_Filter(const QString& filter);
-
-// width / height to two decimals ("1.78", "1.5"); "1.1" when height is 0.
-QString Aspect_Ratio(std::int32_t width, std::int32_t height);
-
-// The aspect text stored for a probed stream: from the display aspect numerator and denominator,
-// overridden by a known ratio, else Aspect_Ratio of the size. "1.1" on a run-time error.
-QString Aspect_Text(std::int32_t width, std::int32_t height, std::int32_t numerator, std::int32_t denominator,
-                    double ratio);
 
 // The side that keeps the proportion of sourceWidth x sourceHeight: with targetHeight -1 the height
 // for targetWidth, with targetWidth -1 (this rule wins when both are -1) the width for targetHeight;

@@ -1,5 +1,6 @@
-// Aspect texts and fitted sizes of the argument builder; declared in Make_EncoderArgs.h.
-#include "Make_EncoderArgs.h"
+#include "Aspect_Text.h"
+
+#include "CheckedMath.h"
 
 #include "mMain.h"
 
@@ -67,13 +68,6 @@ QString Aspect_Text(std::int32_t width, std::int32_t height, std::int32_t numera
     } catch (const RunTimeError&) {
         return QStringLiteral("1.1");
     }
-}
-
-std::int32_t Fit_Size(std::int32_t sourceWidth, std::int32_t sourceHeight, std::int32_t targetWidth,
-                      std::int32_t targetHeight) {
-    if (targetWidth == -1) return roundToInt32(divChecked(targetHeight, sourceHeight) * sourceWidth);
-    if (targetHeight == -1) return roundToInt32(divChecked(targetWidth, sourceWidth) * sourceHeight);
-    return 0;
 }
 
 } // namespace morvane
