@@ -137,6 +137,8 @@ void FormatSetting::videoCodecChanged() {
     raiseToMinimum(Txt_OutputVideoBitrate);
 
     if (!SettingsLive) return;
+    // The row takes the final state once, when this change ends, not at each step on the way.
+    ++m_heldStores;
     selectListValue(List_FrameRate, rate, 0);
     selectListValue(List_Extension, extension, 0);
     selectListValue(List_Aspect, aspect, 0);

@@ -164,6 +164,7 @@ void OutputBrowser::openGroup(int panel, qsizetype button) {
         each.checked = false;
     strip.buttons[button].checked = true;
 
+    m_groupPanel = panel;
     ValueList& list = m_catalogue.Cmd_OutputPreset;
     list.clear();
     LastCaption = strip.buttons.at(button).caption;
@@ -196,10 +197,11 @@ void OutputBrowser::presetChanged(qsizetype index) {
     list.select(index);
     m_settings.Preset_Apply(
         Row_Find(m_catalogue.ReportControl_PresetMain, QStringLiteral("ID"), list.selectedData()));
-    if (PanelActive == Panel_Favorites) return;
-    const std::int16_t button = storedButton(PanelActive);
+    // Remembered for the group that is open: the open panel's, unless a search is on its way to another.
+    if (m_groupPanel == Panel_Favorites) return;
+    const std::int16_t button = storedButton(m_groupPanel);
     if (button >= 0 && button < PresetIndexSize)
-        presetIndexes(PanelActive)->at(static_cast<size_t>(button)) = static_cast<std::int16_t>(index);
+        presetIndexes(m_groupPanel)->at(static_cast<size_t>(button)) = static_cast<std::int16_t>(index);
 }
 
 void OutputBrowser::makerChanged(qsizetype index) {

@@ -104,6 +104,7 @@ private:
 
     Catalogue& m_catalogue;
     FormatSetting& m_settings;
+    int m_groupPanel = Panel_VideoFormats; // the panel whose group fills the preset list
 };
 
 // Rows of the preset table whose Name, Keyword and Maker, joined, hold the query (case ignored);

@@ -302,3 +302,23 @@ TEST_F(FormatSettingTest, AcceptingSavesOnlyUserPresets) {
     EXPECT_EQ(Cell_Get(saved, 2, "Name"), "Saved");
     EXPECT_TRUE(questions.isEmpty());
 }
+
+TEST_F(FormatSettingTest, AnotherVideoCodecKeepsTheRowsOtherValues) {
+    // Two video codecs for MP4, so that the codec list can change.
+    Row_AddFromText(
+        catalogue.ReportControl_FormatMain,
+        "MP4//MPEG4 (DivX/Xvid compatible)//#//UseFrameLib//UseFPSLib//UseAspectRatioLib//mp4;//1280//"
+        "720//8000//#//#//#",
+        0, true, 0);
+    settings.PresetList_Select(0);
+    for (int round = 0; round < 3; ++round) {
+        settings.selectListValue(List_VideoCodec, round % 2 == 0 ? "MPEG4 (DivX/Xvid compatible)" : "H.264",
+                                 0);
+        settings.selectListValue(List_AudioCodec, round % 2 == 0 ? "MP3" : "AAC", 0);
+        EXPECT_EQ(text(List_AudioBitrate), "128 kbps") << round;
+        EXPECT_EQ(preset(1, "AudioBitrate"), "128 kbps") << round;
+        EXPECT_EQ(text(List_FrameRate), "30 fps") << round;
+    }
+    EXPECT_EQ(preset(1, "VideoCodec"), "MPEG4 (DivX/Xvid compatible)");
+    EXPECT_EQ(preset(1, "FileExtention"), "mp4");
+}

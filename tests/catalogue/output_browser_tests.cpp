@@ -312,3 +312,13 @@ TEST(PresetSearch, FillsLiveAndSkipsPlaceholders) {
     EXPECT_EQ(Search_CountText(0), "0 presets");
     EXPECT_EQ(Search_CountText(7), "7 presets");
 }
+
+TEST_F(BrowserTest, ASearchForADeviceLeavesTheOpenPanelsMemoryAlone) {
+    browser.Panel_Show(Panel_VideoFormats);
+    browser.presetChanged(0);
+    ASSERT_EQ(browser.PresetIndexVideo[0], 0);
+    ASSERT_TRUE(browser.Preset_Select("Galaxy S24", "Samsung", "Galaxy"));
+    EXPECT_EQ(browser.PresetIndexVideo[0], 0);
+    browser.Panel_Show(Panel_VideoFormats);
+    EXPECT_EQ(catalogue.Cmd_OutputPreset.selectedText(), "MP4 SD");
+}
