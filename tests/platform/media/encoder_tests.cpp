@@ -1,0 +1,586 @@
+// The engine on clips that the ffmpeg program makes at test time; properties read back with libavformat.
+#include "EncoderLibav.h"
+#include "FFEncoder.h"
+#include "FFLogger.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace morvane {
+namespace {
+
+using namespace libav;
+
+struct Event {
+    bool terminate = false;
+    int task = 0;
+    qint64 position = 0;
+    qint64 duration = 0;
+    bool finished = false;
+    bool failed = false;
+    QString message;
+};
+
+// Records the events of an encoder and runs the event loop until the queue's end.
+class Recorder {
+public:
+    explicit Recorder(FFEncoder& encoder) : m_encoder(encoder) {
+        QObject::connect(&encoder, &FFEncoder::OnProgress, [this](int task, qint64 pos, qint64 dur) {
+            events.push_back({false, task, pos, dur, false, false, {}});
+        });
+        QObject::connect(&encoder, &FFEncoder::OnTerminate,
+                         [this](int task, bool finished, bool failed, const QString& message) {
+                             events.push_back({true, task, 0, 0, finished, failed, message});
+                         });
+    }
+    bool waitForEnd(int timeoutMs = 60000) {
+        QEventLoop loop;
+        QObject::connect(&m_encoder, &FFEncoder::OnTerminate, &loop, [&loop](int task) {
+            if (task == -1) loop.quit();
+        });
+        QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+        if (!ended()) loop.exec();
+        return ended();
+    }
+    bool ended() const { return !events.empty() && events.back().terminate && events.back().task == -1; }
+    const Event* terminateOf(int task) const {
+        for (const Event& e : events)
+            if (e.terminate && e.task == task) return &e;
+        return nullptr;
+    }
+    std::vector<Event> events;
+
+private:
+    FFEncoder& m_encoder;
+};
+
+void spin(int ms) {
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+struct Props {
+    std::string videoCodec, pixelFormat, audioCodec;
+    int width = 0, height = 0, sampleRate = 0, channels = 0;
+    double frameRate = 0, duration = 0, displayAspect = 0;
+    std::uint32_t videoTag = 0;
+};
+
+Props probe(const QString& path) {
+    Props p;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0) return p;
+    InputPtr in(raw);
+    if (avformat_find_stream_info(in.get(), nullptr) < 0) return p;
+    p.duration = in->duration > 0 ? static_cast<double>(in->duration) / AV_TIME_BASE : 0;
+    for (unsigned i = 0; i < in->nb_streams; ++i) {
+        const AVStream* st = in->streams[i];
+        const AVCodecParameters* c = st->codecpar;
+        if (c->codec_type == AVMEDIA_TYPE_VIDEO) {
+            p.videoCodec = avcodec_get_name(c->codec_id);
+            p.pixelFormat = c->format >= 0 ? av_get_pix_fmt_name(static_cast<AVPixelFormat>(c->format)) : "";
+            p.width = c->width;
+            p.height = c->height;
+            p.videoTag = c->codec_tag;
+            p.frameRate = av_q2d(av_guess_frame_rate(in.get(), const_cast<AVStream*>(st), nullptr));
+            AVRational sar = av_guess_sample_aspect_ratio(in.get(), const_cast<AVStream*>(st), nullptr);
+            if (sar.num == 0) sar = {1, 1};
+            p.displayAspect = av_q2d(sar) * c->width / c->height;
+        } else if (c->codec_type == AVMEDIA_TYPE_AUDIO) {
+            p.audioCodec = avcodec_get_name(c->codec_id);
+            p.sampleRate = c->sample_rate;
+            p.channels = c->ch_layout.nb_channels;
+        }
+    }
+    return p;
+}
+
+// The first picture of a file as RGB24 bytes.
+std::vector<std::uint8_t> firstFrameRgb(const QString& path) {
+    std::vector<std::uint8_t> rgb;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0) return rgb;
+    InputPtr in(raw);
+    avformat_find_stream_info(in.get(), nullptr);
+    const AVCodec* codec = nullptr;
+    const int index = av_find_best_stream(in.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
+    if (index < 0) return rgb;
+    CodecPtr dec(avcodec_alloc_context3(codec));
+    avcodec_parameters_to_context(dec.get(), in->streams[index]->codecpar);
+    if (avcodec_open2(dec.get(), codec, nullptr) < 0) return rgb;
+    PacketPtr pkt(av_packet_alloc());
+    FramePtr frame(av_frame_alloc());
+    bool got = false;
+    while (!got && av_read_frame(in.get(), pkt.get()) >= 0) {
+        if (pkt->stream_index == index && avcodec_send_packet(dec.get(), pkt.get()) >= 0)
+            got = avcodec_receive_frame(dec.get(), frame.get()) >= 0;
+        av_packet_unref(pkt.get());
+    }
+    if (!got) {
+        avcodec_send_packet(dec.get(), nullptr);
+        got = avcodec_receive_frame(dec.get(), frame.get()) >= 0;
+    }
+    if (!got) return rgb;
+    SwsPtr sws(sws_getContext(frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
+                              frame->width, frame->height, AV_PIX_FMT_RGB24, SWS_BICUBIC, nullptr, nullptr,
+                              nullptr));
+    rgb.resize(static_cast<std::size_t>(frame->width) * frame->height * 3);
+    std::uint8_t* dst[4] = {rgb.data(), nullptr, nullptr, nullptr};
+    int dstStride[4] = {frame->width * 3, 0, 0, 0};
+    sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, dst, dstStride);
+    return rgb;
+}
+
+double cpuSeconds() {
+    rusage u{};
+    getrusage(RUSAGE_SELF, &u);
+    return static_cast<double>(u.ru_utime.tv_sec + u.ru_stime.tv_sec) +
+           static_cast<double>(u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
+}
+
+class EncoderTest : public testing::Test {
+protected:
+    // Clips are made on first use: under ctest every test runs in a process of its own.
+    void SetUp() override {
+        if (!s_dir) s_dir = new QTemporaryDir();
+        ASSERT_TRUE(s_dir->isValid());
+        s_clip = s_dir->filePath("clip.mkv");
+        s_longClip = s_dir->filePath("long.mkv");
+    }
+    static const QString& clip() { return made(s_clip, 2); }
+    static const QString& longClip() { return made(s_longClip, 3); }
+    static const QString& made(const QString& path, int seconds) {
+        if (!QFile::exists(path)) {
+            EXPECT_TRUE(makeClip(path, seconds));
+        }
+        return path;
+    }
+    static void TearDownTestSuite() {
+        delete s_dir;
+        s_dir = nullptr;
+    }
+    // 160x120 at 25 fps with a 440 Hz stereo tone at 48 kHz.
+    static bool makeClip(const QString& path, int seconds) {
+        const std::string cmd =
+            "ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=160x120:rate=25:duration=" +
+            std::to_string(seconds) +
+            " -f lavfi -i sine=frequency=440:sample_rate=48000:duration=" + std::to_string(seconds) +
+            " -ac 2 -c:v mpeg4 -q:v 2 -c:a pcm_s16le '" + path.toStdString() + "'";
+        return std::system(cmd.c_str()) == 0;
+    }
+    static QString out(const char* name) { return s_dir->filePath(name); }
+
+    static QTemporaryDir* s_dir;
+    static QString s_clip;
+    static QString s_longClip;
+};
+QTemporaryDir* EncoderTest::s_dir = nullptr;
+QString EncoderTest::s_clip;
+QString EncoderTest::s_longClip;
+
+TEST_F(EncoderTest, ConvertsToTheRequestedContainersAndProperties) {
+    FFEncoder enc;
+    Recorder rec(enc);
+    const char* mp4Args =
+        R"(-VideoOutputHook  -ac 1 -ar 22050 -ab 64k -acodec aac -r 15 -aspect 16:9 -vb 300k )"
+        R"(-vcodec libx264 -t 1.5 -vf "crop=150:110:5:5, scale=128:96")";
+    const char* aviArgs = "-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 25 -aspect 1.33 "
+                          "-vb 500k -pix_fmt yuvj420p -vcodec mpeg4 -vtag xvid -deinterlace";
+    const char* dvArgs =
+        "-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -r 30 -aspect 1.33 -vb 200k -target pal-dv "
+        "-vcodec dvvideo -t 1";
+    ASSERT_EQ(enc.AddInput(clip(), ""), 0);
+    ASSERT_EQ(enc.AddOutput(0, out("a.mp4"), mp4Args), 0) << enc.LastErrorMessage().toStdString();
+    ASSERT_EQ(enc.AddInput(clip(), " -ss 0.5"), 1);
+    ASSERT_EQ(enc.AddOutput(1, out("b.avi"), aviArgs), 0) << enc.LastErrorMessage().toStdString();
+    ASSERT_EQ(enc.AddInput(clip(), ""), 2);
+    ASSERT_EQ(enc.AddOutput(2, out("c.dv"), dvArgs), 0) << enc.LastErrorMessage().toStdString();
+    ASSERT_TRUE(enc.Start(2));
+    ASSERT_TRUE(rec.waitForEnd());
+    for (int t = 0; t < 3; ++t) {
+        ASSERT_NE(rec.terminateOf(t), nullptr);
+        EXPECT_TRUE(rec.terminateOf(t)->finished) << rec.terminateOf(t)->message.toStdString();
+    }
+
+    const Props mp4 = probe(out("a.mp4"));
+    EXPECT_EQ(mp4.videoCodec, "h264");
+    EXPECT_EQ(mp4.width, 128);
+    EXPECT_EQ(mp4.height, 96);
+    EXPECT_NEAR(mp4.frameRate, 15, 0.01);
+    EXPECT_NEAR(mp4.displayAspect, 16.0 / 9, 0.01);
+    EXPECT_NEAR(mp4.duration, 1.5, 1.0 / 15);
+    EXPECT_EQ(mp4.audioCodec, "aac");
+    EXPECT_EQ(mp4.sampleRate, 22050);
+    EXPECT_EQ(mp4.channels, 1);
+
+    // Seeked half a second into a 2 s clip; yuvj420p is not an mpeg4 format, the nearest one serves.
+    const Props avi = probe(out("b.avi"));
+    EXPECT_EQ(avi.videoCodec, "mpeg4");
+    EXPECT_EQ(avi.videoTag, 0x64697678u);
+    EXPECT_EQ(avi.pixelFormat, "yuv420p");
+    EXPECT_EQ(avi.width, 160);
+    EXPECT_EQ(avi.height, 120);
+    EXPECT_NEAR(avi.frameRate, 25, 0.01);
+    EXPECT_NEAR(avi.displayAspect, 1.33, 0.01);
+    EXPECT_NEAR(avi.duration, 1.5, 1.0 / 25 + 0.03); // audio frames of MP3 round up the container's end
+    EXPECT_EQ(avi.audioCodec, "mp3");
+    EXPECT_EQ(avi.sampleRate, 44100);
+    EXPECT_EQ(avi.channels, 2);
+
+    // The DV standard overrides the frame rate and the audio of the text.
+    const Props dv = probe(out("c.dv"));
+    EXPECT_EQ(dv.videoCodec, "dvvideo");
+    EXPECT_EQ(dv.width, 720);
+    EXPECT_EQ(dv.height, 576);
+    EXPECT_EQ(dv.pixelFormat, "yuv420p");
+    EXPECT_NEAR(dv.frameRate, 25, 0.01);
+    EXPECT_EQ(dv.sampleRate, 48000);
+    EXPECT_EQ(dv.channels, 2);
+    EXPECT_NEAR(dv.duration, 1.0, 1.0 / 25);
+}
+
+double meanDifference(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
+    if (a.size() != b.size() || a.empty()) return 1e9;
+    double sum = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        sum += std::abs(a[i] - b[i]);
+    return sum / static_cast<double>(a.size());
+}
+
+TEST_F(EncoderTest, SeekStartsAtTheAskedFrameNotTheKeyFrameBeforeIt) {
+    // The source has a key frame every 12 frames; 1.04 s is frame 26, two after one.
+    const auto reference = [&](const char* at, const char* name) {
+        const std::string cmd = "ffmpeg -nostdin -loglevel error -y -ss " + std::string(at) + " -i '" +
+                                clip().toStdString() + "' -frames:v 1 '" + out(name).toStdString() + "'";
+        EXPECT_EQ(std::system(cmd.c_str()), 0);
+        return firstFrameRgb(out(name));
+    };
+    const auto exact = reference("1.04", "at104.png");
+    const auto keyFrame = reference("0.96", "at096.png");
+    FFEncoder enc;
+    Recorder rec(enc);
+    enc.AddInput(clip(), " -ss 1.04");
+    ASSERT_EQ(enc.AddOutput(0, out("seek.avi"), " -an  -r 25 -vb 4000k -vcodec mpeg4 -t 0.2"), 0);
+    enc.Start(1);
+    ASSERT_TRUE(rec.waitForEnd());
+    const auto ours = firstFrameRgb(out("seek.avi"));
+    EXPECT_LT(meanDifference(ours, exact), 3.0);
+    EXPECT_LT(meanDifference(ours, exact), meanDifference(ours, keyFrame) / 2);
+    EXPECT_NEAR(probe(out("seek.avi")).duration, 0.2, 0.04);
+}
+
+TEST_F(EncoderTest, HookChangesEveryOutputFrameOnlyWithItsSwitch) {
+    const char* tail = R"( -an  -r 25 -aspect 1.33 -vb 4000k -vcodec mpeg4 -t 1)";
+    std::atomic<int> calls{0};
+    std::atomic<bool> badGeometry{false};
+    auto run = [&](const QString& output, const QString& args) {
+        FFEncoder enc;
+        Recorder rec(enc);
+        enc.SetVideoHook([&](int w, int h, int stride, std::uint8_t* bits) {
+            ++calls;
+            if (w != 160 || h != 120 || stride < w * 4) badGeometry = true;
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w * 4; ++x)
+                    if (x % 4 != 3)
+                        bits[y * stride + x] = static_cast<std::uint8_t>(255 - bits[y * stride + x]);
+        });
+        enc.AddInput(clip(), "");
+        EXPECT_EQ(enc.AddOutput(0, output, args), 0);
+        enc.Start(1);
+        EXPECT_TRUE(rec.waitForEnd());
+        EXPECT_TRUE(rec.terminateOf(0) && rec.terminateOf(0)->finished);
+    };
+    run(out("plain.avi"), tail);
+    EXPECT_EQ(calls, 0);
+    run(out("hooked.avi"), QString("-VideoOutputHook ") + tail);
+    EXPECT_EQ(calls, 25);
+    EXPECT_FALSE(badGeometry);
+
+    const auto plain = firstFrameRgb(out("plain.avi"));
+    const auto hooked = firstFrameRgb(out("hooked.avi"));
+    ASSERT_EQ(plain.size(), 160u * 120 * 3);
+    ASSERT_EQ(hooked.size(), plain.size());
+    double error = 0;
+    for (std::size_t i = 0; i < plain.size(); ++i)
+        error += std::abs(255 - plain[i] - hooked[i]);
+    EXPECT_LT(error / plain.size(), 8.0);
+}
+
+TEST_F(EncoderTest, PreviewComesOnlyWhileEnabled) {
+    struct Preview {
+        int task, width, height;
+        QByteArray bits;
+    };
+    for (const bool enabled : {false, true}) {
+        FFEncoder enc;
+        Recorder rec(enc);
+        std::vector<Preview> previews;
+        QObject::connect(&enc, &FFEncoder::OnPreviewBitmap,
+                         [&](int task, int w, int h, const QByteArray& bits) {
+                             previews.push_back({task, w, h, bits});
+                         });
+        enc.SetPreviewEnabled(enabled);
+        enc.AddInput(clip(), "");
+        // 4:3 pixels shown as 16:9: the preview follows the display shape.
+        ASSERT_EQ(
+            enc.AddOutput(0, out("preview.avi"), " -an  -aspect 16:9 -vcodec mpeg4 -vf \" scale=320:240\""),
+            0);
+        enc.Start(1);
+        ASSERT_TRUE(rec.waitForEnd());
+        if (!enabled) {
+            EXPECT_TRUE(previews.empty());
+            continue;
+        }
+        ASSERT_FALSE(previews.empty());
+        const Preview& p = previews.front();
+        EXPECT_EQ(p.task, 0);
+        EXPECT_EQ(p.width, 160);
+        EXPECT_EQ(p.height, 90);
+        ASSERT_EQ(p.bits.size(), 160 * 90 * 4);
+        EXPECT_NE(p.bits.count('\0'), p.bits.size()); // a picture, not an empty buffer
+    }
+}
+
+TEST_F(EncoderTest, EventsComeInOrderAndEndWithMinusOne) {
+    FFEncoder enc;
+    enc.SetProgressInterval(1);
+    Recorder rec(enc);
+    for (int t = 0; t < 3; ++t) {
+        ASSERT_EQ(enc.AddInput(clip(), ""), t);
+        ASSERT_EQ(enc.AddOutput(t, out(("e" + std::to_string(t) + ".mp4").c_str()),
+                                " -ac 2 -ar 44100 -ab 96k -acodec aac -r 25 -vb 200k -vcodec libx264"),
+                  0);
+    }
+    EXPECT_EQ(enc.TaskCount(), 3);
+    ASSERT_TRUE(enc.Start(0)); // one at a time
+    EXPECT_FALSE(enc.Start(1));
+    ASSERT_TRUE(rec.waitForEnd());
+    EXPECT_FALSE(enc.IsRunning());
+
+    // One at a time: each task's progress, then its end, in task order; then -1 once.
+    int current = 0;
+    qint64 lastPosition = -1;
+    int terminates = 0;
+    for (std::size_t i = 0; i < rec.events.size(); ++i) {
+        const Event& e = rec.events[i];
+        if (e.terminate && e.task == -1) {
+            EXPECT_EQ(i, rec.events.size() - 1);
+            continue;
+        }
+        EXPECT_EQ(e.task, current);
+        if (e.terminate) {
+            EXPECT_TRUE(e.finished && !e.failed);
+            EXPECT_GE(lastPosition, 1960000) << "progress of task " << e.task << " stopped short";
+            ++current;
+            lastPosition = -1;
+            ++terminates;
+        } else {
+            EXPECT_EQ(e.duration, 2000000);
+            EXPECT_GE(e.position, lastPosition);
+            lastPosition = e.position;
+        }
+    }
+    EXPECT_EQ(terminates, 3);
+
+    // An empty queue ends at once, with -1 alone.
+    enc.ClearTasks();
+    EXPECT_EQ(enc.TaskCount(), 0);
+    rec.events.clear();
+    ASSERT_TRUE(enc.Start(1));
+    ASSERT_TRUE(rec.waitForEnd());
+    EXPECT_EQ(rec.events.size(), 1u);
+}
+
+TEST_F(EncoderTest, PauseHoldsWithoutSpinningAndResumeFinishes) {
+    FFEncoder enc;
+    Recorder rec(enc);
+    std::atomic<int> frames{0};
+    enc.SetVideoHook([&](int, int, int, std::uint8_t*) { ++frames; });
+    enc.AddInput(longClip(), "");
+    enc.AddOutput(0, out("paused.mp4"), "-VideoOutputHook  -an  -r 25 -vb 200k -vcodec libx264");
+    enc.AddInput(longClip(), "");
+    enc.AddOutput(1, out("paused.avi"), "-VideoOutputHook  -an  -r 25 -vb 200k -vcodec mpeg4");
+    ASSERT_TRUE(enc.Start(2));
+    enc.Pause();
+    spin(200);
+    const int held = frames;
+    const double cpu = cpuSeconds();
+    spin(500);
+    EXPECT_EQ(frames, held);
+    EXPECT_LT(cpuSeconds() - cpu, 0.1);
+    EXPECT_EQ(rec.terminateOf(0), nullptr);
+    enc.Resume();
+    ASSERT_TRUE(rec.waitForEnd());
+    EXPECT_EQ(frames, 150);
+    EXPECT_TRUE(rec.terminateOf(0)->finished);
+    EXPECT_TRUE(rec.terminateOf(1)->finished);
+}
+
+TEST_F(EncoderTest, StopEndsRunningAndWaitingTasksPromptly) {
+    FFEncoder enc;
+    Recorder rec(enc);
+    std::atomic<int> frames{0};
+    // A slow hook keeps the first task busy long enough to be stopped in the middle.
+    enc.SetVideoHook([&](int, int, int, std::uint8_t*) {
+        ++frames;
+        QThread::msleep(20);
+    });
+    for (int t = 0; t < 2; ++t) {
+        enc.AddInput(longClip(), "");
+        enc.AddOutput(t, out(("stopped" + std::to_string(t) + ".avi").c_str()),
+                      "-VideoOutputHook  -an  -vb 200k -vcodec mpeg4");
+    }
+    ASSERT_TRUE(enc.Start(1));
+    for (int i = 0; i < 2000 && frames < 5; ++i)
+        QThread::msleep(5);
+    ASSERT_GE(frames, 5);
+    enc.Pause(); // a paused task must stop too
+    QElapsedTimer timer;
+    timer.start();
+    enc.Stop(true);
+    EXPECT_LT(timer.elapsed(), 1000);
+    // Stop with wait delivers the ends before it returns.
+    ASSERT_TRUE(rec.ended());
+    for (int t = 0; t < 2; ++t) {
+        ASSERT_NE(rec.terminateOf(t), nullptr);
+        EXPECT_FALSE(rec.terminateOf(t)->finished);
+        EXPECT_FALSE(rec.terminateOf(t)->failed);
+    }
+    EXPECT_LT(frames, 75);
+    EXPECT_FALSE(enc.IsRunning());
+}
+
+TEST_F(EncoderTest, AFailingTaskLeavesTheOthersToFinish) {
+    const QString garbage = out("garbage.avi");
+    {
+        QFile f(garbage);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(4096, 'x'));
+    }
+    const QString full = out("full.avi");
+    QFile::remove(full);
+    ASSERT_TRUE(QFile::link("/dev/full", full));
+
+    FFEncoder enc;
+    Recorder rec(enc);
+    const char* args = " -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 25 -vb 300k -vcodec mpeg4 -t 1";
+    const QString inputs[] = {clip(), garbage, clip(), clip()};
+    const QString outputs[] = {out("good0.avi"), out("bad.avi"), full, out("good1.avi")};
+    for (int t = 0; t < 4; ++t) {
+        ASSERT_EQ(enc.AddInput(inputs[t], ""), t);
+        ASSERT_EQ(enc.AddOutput(t, outputs[t], args), 0);
+    }
+    ASSERT_TRUE(enc.Start(2));
+    ASSERT_TRUE(rec.waitForEnd());
+    EXPECT_TRUE(rec.terminateOf(0)->finished);
+    EXPECT_TRUE(rec.terminateOf(3)->finished);
+    for (int t : {1, 2}) {
+        EXPECT_FALSE(rec.terminateOf(t)->finished);
+        EXPECT_TRUE(rec.terminateOf(t)->failed);
+    }
+    EXPECT_TRUE(rec.terminateOf(1)->message.contains("Invalid data found when processing input"))
+        << rec.terminateOf(1)->message.toStdString();
+    EXPECT_TRUE(rec.terminateOf(2)->message.contains("No space left on device"))
+        << rec.terminateOf(2)->message.toStdString();
+    EXPECT_EQ(probe(out("good1.avi")).videoCodec, "mpeg4");
+}
+
+TEST_F(EncoderTest, AddOutputRefusesWhatCannotRun) {
+    FFEncoder enc;
+    EXPECT_TRUE(enc.LoadLibrary() && enc.LibraryLoaded() && enc.UnloadLibrary());
+    ASSERT_EQ(enc.AddInput(out("in.mkv"), ""), 0);
+    struct Case {
+        const char* path;
+        const char* args;
+        const char* error; // "" when accepted
+    };
+    const Case cases[] = {
+        {"x.mp4", " -ac 1 -ar 8000 -ab 12k -acodec libopencore_amrnb -vcodec libx264",
+         "Unknown encoder 'libopencore_amrnb'"},
+        {"x.mp4", " -vcodec libmp3lame", "Encoder 'libmp3lame' is not a video encoder"},
+        {"x.xyz", " -vcodec mpeg4", "Unable to find a suitable output format for 'PATH'"},
+        {"x.mp4", " -vb fast", "Invalid value 'fast' for option '-vb'"},
+        {"x.mp4", "-1", "Unexpected argument '-1'"}, // the builder's failure text
+        {"x.mp4", " -acodec libfaac -vcodec libx264", ""},
+        {"x.avi", " -acodec mp2 -vcodec msmpeg4v3", ""},
+        {"x.avi", " -vcodec mpeg4 -vtag DivX", ""},
+    };
+    for (const Case& c : cases) {
+        const int r = enc.AddOutput(0, out(c.path), c.args);
+        if (*c.error) {
+            EXPECT_LT(r, 0) << c.args;
+            EXPECT_EQ(enc.LastErrorMessage(), QString(c.error).replace("PATH", out(c.path))) << c.args;
+        } else {
+            EXPECT_EQ(r, 0) << c.args << ": " << enc.LastErrorMessage().toStdString();
+        }
+    }
+    EXPECT_LT(enc.AddInput(out("in.mkv"), " -ss soon"), 0);
+    EXPECT_EQ(enc.LastErrorMessage(), "Invalid value 'soon' for option '-ss'");
+    EXPECT_LT(enc.AddOutput(7, out("x.mp4"), ""), 0);
+
+    // Taking back the last task; one in the middle keeps the numbers of the others.
+    ASSERT_EQ(enc.AddInput(out("in.mkv"), ""), 1);
+    ASSERT_EQ(enc.AddInput(out("in.mkv"), ""), 2);
+    enc.RemoveInput(2);
+    EXPECT_EQ(enc.TaskCount(), 2);
+    enc.RemoveInput(0);
+    EXPECT_EQ(enc.TaskCount(), 1);
+    EXPECT_EQ(enc.AddInput(out("in.mkv"), ""), 2);
+}
+
+TEST(FFLoggerTest, LinesFromAnyThreadArriveOnTheOwnersThreadWithTheirTask) {
+    struct Line {
+        int task, level;
+        QString text;
+        bool onMainThread;
+    };
+    std::vector<Line> lines;
+    FFLogger logger;
+    QObject::connect(&logger, &FFLogger::OnLog, [&](int task, int level, const QString& text) {
+        lines.push_back({task, level, text, QThread::currentThread() == qApp->thread()});
+    });
+    std::thread worker([] {
+        FFLogger::SetThreadTask(3);
+        av_log(nullptr, AV_LOG_ERROR, "disk %s\n", "full");
+        av_log(nullptr, AV_LOG_DEBUG, "too fine for level 5\n");
+        FFLogger::SetThreadTask(-1);
+    });
+    worker.join();
+    logger.SetActive(false);
+    av_log(nullptr, AV_LOG_ERROR, "while inactive\n");
+    logger.SetActive(true);
+    av_log(nullptr, AV_LOG_WARNING, "main\n");
+    spin(50);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].task, 3);
+    EXPECT_EQ(lines[0].level, AV_LOG_ERROR);
+    EXPECT_EQ(lines[0].text, "disk full");
+    EXPECT_TRUE(lines[0].onMainThread);
+    EXPECT_EQ(lines[1].task, -1);
+    EXPECT_EQ(lines[1].text, "main");
+}
+
+} // namespace
+} // namespace morvane
