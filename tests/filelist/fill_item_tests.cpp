@@ -1,0 +1,323 @@
+#include "FakeDecoder.h"
+#include "FileList_Mods.h"
+#include "Globals.h"
+#include "Report_List.h"
+
+#include <QDir>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace morvane;
+
+namespace {
+
+constexpr std::int32_t kNoValue = std::numeric_limits<std::int32_t>::min();
+
+FakeMedia seconds(double s) {
+    FakeMedia m;
+    const auto micros = static_cast<std::int64_t>(s * 1000000.0);
+    m.durationLow = static_cast<std::int32_t>(static_cast<std::uint32_t>(micros));
+    m.durationHigh = static_cast<std::int32_t>(micros >> 32);
+    return m;
+}
+
+class FillItem : public ::testing::Test {
+protected:
+    void SetUp() override {
+        Folder_Temp = temp.path() + QLatin1Char('/');
+        Report_Clear();
+    }
+    void TearDown() override { Report_Clear(); }
+
+    // Probes one file with the given profile; returns the number of bitmaps left in Folder_Temp.
+    void fill(const FakeMedia& media, const QString& path = QStringLiteral("/videos/clip.final.mp4"),
+              int mode = 0) {
+        decoder.media.insert(path, media);
+        Fill_Item(path, mode, table, decoder);
+    }
+    int thumbnails() const {
+        return static_cast<int>(QDir(temp.path()).entryList({QStringLiteral("*.bmp")}, QDir::Files).size());
+    }
+
+    QTemporaryDir temp;
+    FakeDecoder decoder;
+    FileViewMain table;
+};
+
+} // namespace
+
+TEST_F(FillItem, AcceptedFileFillsEveryColumn) {
+    FakeMedia m = seconds(3725.5); // 1:02:05.5
+    m.sizeLow = 123456;
+    m.subtitle = 2;
+    m.subtitleCount = 1;
+    m.videoBitRate = 800000;
+    m.rateNum = 30000;
+    m.rateDen = 1001;
+    m.videoDurationLow = 99;
+    m.videoLanguage = QStringLiteral("eng");
+    m.audioDurationLow = 98;
+    m.audioLanguage = QStringLiteral("fre");
+    m.title = QStringLiteral("T");
+    m.author = QStringLiteral("A");
+    m.year = 2019;
+    m.track = 3;
+    fill(m);
+
+    ASSERT_EQ(table.rows(), 1);
+    EXPECT_TRUE(Report_Entries().isEmpty());
+    const auto at = [&](int c) { return table.text(0, c); };
+    EXPECT_EQ(at(FileCol::Name), QStringLiteral("clip.final"));
+    EXPECT_EQ(at(FileCol::Format), QStringLiteral("MP4"));
+    EXPECT_EQ(at(FileCol::Duration), QStringLiteral("01:02:05"));
+    EXPECT_EQ(at(FileCol::Status), QString());
+    EXPECT_EQ(at(FileCol::SrcDuration), QStringLiteral("3725.50"));
+    EXPECT_EQ(table.second(0, FileCol::SrcDuration), QStringLiteral("3725.50"));
+    EXPECT_EQ(at(FileCol::FileName), QStringLiteral("clip.final.mp4"));
+    EXPECT_EQ(at(FileCol::FilePath), QStringLiteral("/videos/"));
+    EXPECT_EQ(table.longValue(0, FileCol::FileSize), 123456);
+    EXPECT_EQ(table.longValue(0, FileCol::FileDuration), m.durationLow);
+    EXPECT_TRUE(table.boolValue(0, FileCol::VideoStream));
+    EXPECT_TRUE(table.boolValue(0, FileCol::AudioStream));
+    EXPECT_TRUE(table.boolValue(0, FileCol::SubtitleStream));
+    EXPECT_EQ(at(FileCol::SubtitleCount), QStringLiteral("1"));
+    EXPECT_EQ(at(FileCol::VideoCodecName), QStringLiteral("H.264 / AVC / MPEG-4 AVC / MPEG-4 part 10"));
+    EXPECT_EQ(at(FileCol::VideoWidth), QStringLiteral("160"));
+    EXPECT_EQ(at(FileCol::VideoHeight), QStringLiteral("120"));
+    EXPECT_EQ(at(FileCol::VideoBitRate), QStringLiteral("800000"));
+    EXPECT_EQ(at(FileCol::VideoFrameRateNumerator), QStringLiteral("29"));
+    EXPECT_EQ(at(FileCol::VideoSampleAspectRatio), QStringLiteral("1.33"));
+    EXPECT_EQ(at(FileCol::VideoDurationLow), QStringLiteral("99"));
+    EXPECT_EQ(at(FileCol::VideoLanguage), QStringLiteral("eng"));
+    EXPECT_EQ(at(FileCol::AudioCodecName), QStringLiteral("AAC (Advanced Audio Coding)"));
+    EXPECT_EQ(at(FileCol::AudioSampleRate), QStringLiteral("44100"));
+    EXPECT_EQ(at(FileCol::AudioChannels), QStringLiteral("2"));
+    EXPECT_EQ(at(FileCol::AudioDurationLow), QStringLiteral("98"));
+    EXPECT_EQ(at(FileCol::AudioLanguage), QStringLiteral("fre"));
+    EXPECT_EQ(at(FileCol::FileTitle), QStringLiteral("T"));
+    EXPECT_EQ(at(FileCol::FileAuthor), QStringLiteral("A"));
+    EXPECT_EQ(at(FileCol::FileYear), QStringLiteral("2019"));
+    EXPECT_EQ(at(FileCol::FileTrack), QStringLiteral("3"));
+    EXPECT_EQ(at(FileCol::TrimStartLow), QStringLiteral("0"));
+    EXPECT_EQ(at(FileCol::TrimStartHigh), QStringLiteral("0"));
+    EXPECT_EQ(table.timePair(0, FileCol::TrimEndLow, FileCol::TrimEndHigh), 3725500000LL);
+    EXPECT_EQ(at(FileCol::TrimEndLow), QStringLiteral("-569467296")); // the low word above 2^31 - 1
+    EXPECT_EQ(table.timePair(0, FileCol::FileDurationLow, FileCol::FileDurationHigh), 3725500000LL);
+    for (int c = FileCol::CropTop; c <= FileCol::PadColor; ++c)
+        EXPECT_EQ(at(c), QStringLiteral("0")) << c;
+    EXPECT_EQ(at(FileCol::CropWidth), QStringLiteral("160"));
+    EXPECT_EQ(at(FileCol::CropHeight), QStringLiteral("120"));
+    EXPECT_EQ(at(FileCol::Filters), QString());
+    EXPECT_EQ(at(FileCol::Deinterlacing), QStringLiteral("1"));
+    EXPECT_EQ(at(FileCol::FileExt), QStringLiteral("MP4"));
+    EXPECT_EQ(at(FileCol::NewAspectRatio), QStringLiteral("Original"));
+    EXPECT_EQ(at(FileCol::ErrMsg), QString());
+    EXPECT_EQ(table.icon(0), 12); // Ready
+    EXPECT_EQ(decoder.opens, 1);
+    EXPECT_EQ(decoder.closes, 1);
+}
+
+TEST_F(FillItem, ThumbnailIsABitmapOfTheDrawnFrame) {
+    fill(seconds(2.0));
+    ASSERT_EQ(table.rows(), 1);
+    const QString thumb = table.text(0, FileCol::Thumbnail);
+    ASSERT_TRUE(thumb.startsWith(Folder_Temp + QStringLiteral("thumbnail_")));
+    EXPECT_TRUE(thumb.endsWith(QStringLiteral(".bmp")));
+    const QString id = thumb.mid(Folder_Temp.size() + 10).chopped(4);
+    ASSERT_EQ(id.size(), 9);
+    EXPECT_EQ(id.left(2), id.right(2));
+
+    QImage image;
+    ASSERT_TRUE(image.load(thumb, "BMP"));
+    EXPECT_EQ(image.size(), QSize(kThumbnailWidth, kThumbnailHeight));
+    EXPECT_EQ(image.pixel(5, 5) & 0xFFFFFF, 0x3366CCu); // the fake's B, G, R bytes
+    EXPECT_TRUE(decoder.frameDecoding);
+}
+
+TEST_F(FillItem, SeekLimitIsTheRoundedLength) {
+    struct Case {
+        double length;
+        bool seeks;
+    };
+    for (const Case c :
+         {Case{6.4, false}, Case{6.6, true}, Case{6.5, false}, Case{7.0, true}, Case{120, true}}) {
+        decoder.seeks.clear();
+        fill(seconds(c.length));
+        if (c.seeks) {
+            ASSERT_EQ(decoder.seeks.size(), 1) << c.length;
+            EXPECT_EQ(decoder.seeks.first(), 7000000);
+        } else {
+            EXPECT_TRUE(decoder.seeks.isEmpty()) << c.length;
+        }
+    }
+}
+
+TEST_F(FillItem, NoValueDurationGivesZeroAndAThumbnailOfTheFirstFrame) {
+    FakeMedia m;
+    m.durationLow = 0;
+    m.durationHigh = kNoValue;
+    fill(m, QStringLiteral("/videos/raw.h264"));
+    ASSERT_EQ(table.rows(), 1);
+    EXPECT_EQ(table.text(0, FileCol::Duration), QStringLiteral("00:00:00"));
+    EXPECT_EQ(table.text(0, FileCol::SrcDuration), QStringLiteral("0.00"));
+    EXPECT_EQ(table.text(0, FileCol::TrimEndLow), QStringLiteral("0"));
+    EXPECT_EQ(table.text(0, FileCol::TrimEndHigh), QStringLiteral("0"));
+    EXPECT_EQ(table.text(0, FileCol::FileDuration), QStringLiteral("0")); // the low word as read
+    EXPECT_TRUE(decoder.seeks.isEmpty());
+    EXPECT_FALSE(table.text(0, FileCol::Thumbnail).isEmpty());
+}
+
+TEST_F(FillItem, FrameRateIsTheTruncatedQuotientUnlessUnknown) {
+    struct Case {
+        std::int32_t num, den;
+        const char* cell;
+    };
+    const Case cases[] = {{25, 1, "25"}, {24000, 1001, "23"}, {30000, 1001, "29"},
+                          {-1, 0, "-1"}, {50, 2, "25"},       {-30, 7, "-4"}};
+    for (const Case& c : cases) {
+        FakeMedia m = seconds(1);
+        m.rateNum = c.num;
+        m.rateDen = c.den;
+        fill(m);
+        EXPECT_EQ(table.text(table.rows() - 1, FileCol::VideoFrameRateNumerator), QLatin1String(c.cell))
+            << c.num << "/" << c.den;
+    }
+    EXPECT_TRUE(Report_Entries().isEmpty());
+}
+
+TEST_F(FillItem, RefusedFilesLeaveNoRowAndOneReportLine) {
+    struct Case {
+        const char* what;
+        FakeMedia media;
+        const char* expected;
+    };
+    FakeMedia cantOpen;
+    cantOpen.opens = false;
+    cantOpen.error = QStringLiteral("  Invalid data found when processing input ");
+    FakeMedia silent;
+    silent.opens = false;
+    FakeMedia audioOnly = seconds(5);
+    audioOnly.video = -1;
+    audioOnly.audio = 0;
+    audioOnly.error = QStringLiteral("Stream not found");
+    FakeMedia noRate = seconds(5);
+    noRate.rateNum = 0;
+    FakeMedia emptyBrackets = seconds(5);
+    emptyBrackets.videoCodec = QStringLiteral("h264 ()");
+
+    const Case cases[] = {
+        {"open fails", cantOpen, "Invalid data found when processing input"},
+        {"open fails without words", silent, ""},
+        {"no video", audioOnly, "Stream not found"},
+        {"unknown frame rate", noRate, ""},
+        {"codec text empty after the cut", emptyBrackets, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Report_Clear();
+        decoder.opens = decoder.closes = 0;
+        fill(c.media, QStringLiteral("/videos/song.mp3"));
+        EXPECT_EQ(table.rows(), 0);
+        ASSERT_EQ(Report_Entries().size(), 1);
+        EXPECT_EQ(Report_Entries()[0].text, QStringLiteral("song.mp3"));
+        EXPECT_EQ(Report_Entries()[0].second, QLatin1String(c.expected));
+        EXPECT_EQ(decoder.closes, c.media.opens ? 1 : 0);
+        EXPECT_EQ(thumbnails(), 0);
+    }
+}
+
+TEST_F(FillItem, DiscModeDropsTitlesUnderASecondQuietly) {
+    fill(seconds(0.9), QStringLiteral("/dvd/VIDEO_TS/VTS_01_0.VOB"), kFillMode_Disc);
+    EXPECT_EQ(table.rows(), 0);
+    EXPECT_TRUE(Report_Entries().isEmpty());
+    EXPECT_EQ(decoder.closes, 1);
+
+    FakeMedia noValue;
+    noValue.durationHigh = kNoValue;
+    fill(noValue, QStringLiteral("/dvd/VIDEO_TS/VTS_01_0.VOB"), kFillMode_Disc);
+    EXPECT_EQ(table.rows(), 0);
+
+    fill(seconds(1.0), QStringLiteral("/dvd/VIDEO_TS/VTS_01_1.VOB"), kFillMode_Disc);
+    EXPECT_EQ(table.rows(), 1);
+    fill(seconds(0.5), QStringLiteral("/videos/short.mp4"), 0); // other modes keep short files
+    EXPECT_EQ(table.rows(), 2);
+    EXPECT_TRUE(Report_Entries().isEmpty());
+}
+
+TEST_F(FillItem, FrameProblemsLeaveTheRowWithoutThumbnail) {
+    FakeMedia undecodable = seconds(10);
+    undecodable.decodes = false;
+    FakeMedia undrawable = seconds(10);
+    undrawable.draws = false;
+    FakeMedia minusOne = seconds(0);
+    minusOne.durationLow = -1;
+    minusOne.durationHigh = -1;
+    for (const FakeMedia& m : {undecodable, undrawable, minusOne}) {
+        fill(m);
+        EXPECT_EQ(table.text(table.rows() - 1, FileCol::Thumbnail), QString());
+    }
+    EXPECT_EQ(table.rows(), 3);
+    EXPECT_EQ(thumbnails(), 0);
+    EXPECT_TRUE(Report_Entries().isEmpty());
+    EXPECT_EQ(table.text(2, FileCol::Duration), QStringLiteral("00:00:00"));
+}
+
+TEST_F(FillItem, RunTimeErrorKeepsThePartialRowAndReportsItsDescription) {
+    FakeMedia zeroDenominator = seconds(3);
+    zeroDenominator.rateDen = 0;
+    fill(zeroDenominator);
+    ASSERT_EQ(table.rows(), 1);
+    EXPECT_EQ(table.text(0, FileCol::Name), QStringLiteral("clip.final"));
+    ASSERT_EQ(Report_Entries().size(), 1);
+    EXPECT_EQ(Report_Entries()[0].second, QStringLiteral("Division by zero"));
+    EXPECT_EQ(decoder.closes, 1);
+
+    // An unwritable temporary folder fails the thumbnail's save the same way.
+    Report_Clear();
+    Folder_Temp = temp.path() + QStringLiteral("/missing/");
+    FakeMedia words = seconds(3);
+    words.error = QStringLiteral("decoder words");
+    fill(words);
+    EXPECT_EQ(table.rows(), 2);
+    ASSERT_EQ(Report_Entries().size(), 1);
+    EXPECT_EQ(Report_Entries()[0].second, QStringLiteral("decoder words")); // the decoder's text wins
+    EXPECT_EQ(decoder.closes, 2);
+}
+
+TEST_F(FillItem, LastRowIsSetReadyEvenWhenThisFileAddedNone) {
+    FakeMedia bad;
+    bad.opens = false;
+    fill(bad); // empty table: row -1, nothing happens
+    EXPECT_EQ(table.rows(), 0);
+
+    fill(seconds(2));
+    Set_RowState(table, 0, true, State_Done);
+    EXPECT_EQ(table.text(0, FileCol::Status), QStringLiteral("Done"));
+    fill(bad);
+    EXPECT_EQ(table.text(0, FileCol::Status), QString());
+    EXPECT_EQ(table.icon(0), 12);
+}
+
+TEST(StripBrackets, CutsFromTheFirstOpeningToTheLastClosingBracket) {
+    struct Case {
+        const char* in;
+        const char* out;
+    };
+    const Case cases[] = {
+        {"h264 (Main)", "Main"},
+        {"h264", "h264"},
+        {"", ""},
+        {"aac (AAC (Advanced Audio Coding))", "AAC (Advanced Audio Coding)"},
+        {"a (b) c (d)", "b) c (d"},
+        {"mpeg4 (Simple Profile", "Simple Profile"},
+        {"x (  )", "  "},
+        {"(", ""},
+        {"name (", ""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(Strip_Brackets(QLatin1String(c.in)), QLatin1String(c.out)) << c.in;
+}
