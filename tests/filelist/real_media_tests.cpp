@@ -75,3 +75,59 @@ TEST(RealMedia, ClipsGiveRowsAndBadFilesGiveReportLines) {
     EXPECT_FALSE(Report_Entries()[2].second.isEmpty());
     Report_Clear();
 }
+
+TEST(RealMedia, UnknownLengthsStillsAndBrokenFiles) {
+    const QString ffmpeg = QStandardPaths::findExecutable(QStringLiteral("ffmpeg"));
+    if (ffmpeg.isEmpty()) GTEST_SKIP() << "no ffmpeg program";
+    QTemporaryDir dir;
+    Folder_Temp = dir.filePath(QStringLiteral("temp")) + QLatin1Char('/');
+    QDir().mkpath(Folder_Temp);
+    const QString raw = dir.filePath(QStringLiteral("camera.h264"));
+    const QString still = dir.filePath(QStringLiteral("still.png"));
+    const QString whole = dir.filePath(QStringLiteral("whole.mp4"));
+    const QString truncated = dir.filePath(QStringLiteral("cut.mp4"));
+    const QString empty = dir.filePath(QStringLiteral("empty.mp4"));
+    ASSERT_TRUE(makeClip(ffmpeg, {"-f", "lavfi", "-i", "testsrc2=size=160x120:rate=25:duration=1", "-c:v",
+                                  "libx264", "-f", "h264", raw}));
+    ASSERT_TRUE(makeClip(
+        ffmpeg, {"-f", "lavfi", "-i", "testsrc2=size=160x120:rate=25:duration=1", "-frames:v", "1", still}));
+    ASSERT_TRUE(makeClip(
+        ffmpeg, {"-f", "lavfi", "-i", "testsrc2=size=160x120:rate=25:duration=2", "-c:v", "mpeg4", whole}));
+    QFile source(whole);
+    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
+    QFile cut(truncated);
+    ASSERT_TRUE(cut.open(QIODevice::WriteOnly));
+    cut.write(source.read(1500)); // the header promises more than the file holds
+    cut.close();
+    QFile zero(empty);
+    ASSERT_TRUE(zero.open(QIODevice::WriteOnly));
+    zero.close();
+
+    Report_Clear();
+    FileViewMain table;
+    const std::unique_ptr<FFDecoder> decoder = Make_FFDecoder();
+    for (const QString& path : {raw, still, truncated, empty})
+        Fill_Item(path, 0, table, *decoder);
+
+    // A stream without a known length still becomes a row, at zero length, with its first frame.
+    ASSERT_GE(table.rows(), 1);
+    EXPECT_EQ(table.text(0, FileCol::Name), QStringLiteral("camera"));
+    EXPECT_EQ(table.text(0, FileCol::Duration), QStringLiteral("00:00:00"));
+    EXPECT_EQ(table.text(0, FileCol::SrcDuration), QStringLiteral("0.00"));
+    QImage thumb;
+    EXPECT_TRUE(thumb.load(table.text(0, FileCol::Thumbnail), "BMP"));
+    // Whatever a still picture gives, it is a row or a report line, never both and never a crash.
+    const bool stillIsRow = table.rows() == 2;
+    QStringList reported;
+    for (const ReportEntry& entry : Report_Entries())
+        reported << entry.text;
+    EXPECT_EQ(reported.contains(QStringLiteral("still.png")), !stillIsRow);
+    EXPECT_TRUE(reported.contains(QStringLiteral("cut.mp4")));
+    EXPECT_TRUE(reported.contains(QStringLiteral("empty.mp4")));
+    for (const ReportEntry& entry : Report_Entries()) {
+        if (entry.text == QStringLiteral("empty.mp4")) {
+            EXPECT_EQ(entry.second, QStringLiteral("Invalid data found when processing input"));
+        }
+    }
+    Report_Clear();
+}
