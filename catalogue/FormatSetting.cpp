@@ -392,12 +392,11 @@ qsizetype FormatSetting::selectedPresetRow() const {
                     PresetList.at(presetListSelected).id);
 }
 
-void FormatSetting::Row_StoreFields() {
-    const qsizetype row = selectedPresetRow();
-    if (row == 0) return;
+void FormatSetting::storeValues(qsizetype row, bool plain) {
     CatalogueTable& presets = m_catalogue.ReportControl_PresetMain;
+    // Plain writes drop any lock mark; otherwise each value keeps the mark of the cell it replaces.
     const auto store = [&](const char* column, const QString& value) {
-        Cell_Set(presets, row, QLatin1String(column), value, false, false);
+        Cell_Set(presets, row, QLatin1String(column), value, plain, plain);
     };
     const auto text = [&](int list) { return Combo_OutputFile.at(static_cast<size_t>(list)).selectedText(); };
     store("QualityLevel", Quality_Text(Radio_Quality));
@@ -413,6 +412,11 @@ void FormatSetting::Row_StoreFields() {
     store("AudioBitrate", text(List_AudioBitrate));
     store("Channels", text(List_Channels));
     store("AudioSize", text(List_SampleSize));
+}
+
+void FormatSetting::Row_StoreFields() {
+    const qsizetype row = selectedPresetRow();
+    if (row != 0) storeValues(row, false);
 }
 
 void FormatSetting::refreshPresetListLabels() {
@@ -477,29 +481,16 @@ void FormatSetting::newPreset() {
         target = presets.addRecord() + 1;
         Cell_Set(presets, target, QStringLiteral("Name"), name, true, true);
     }
+    storeValues(target, true);
     const auto put = [&](const char* column, const QString& value) {
         Cell_Set(presets, target, QLatin1String(column), value, true, true);
     };
-    const auto text = [&](int list) { return Combo_OutputFile.at(static_cast<size_t>(list)).selectedText(); };
-    put("VideoCodec", text(List_VideoCodec));
     put("Format", Txt_Format);
     put("Keyword", Txt_Keyword);
     put("Maker", Txt_Maker);
     put("Type", Txt_Type);
     put("Thumbnail", Txt_Thumbnail);
     put("Image", Txt_Image);
-    put("FPS", text(List_FrameRate));
-    put("FileExtention", text(List_Extension));
-    put("Width", Txt_OutputVideoWidth.text);
-    put("Height", Txt_OutputVideoHeight.text);
-    put("VideoBitrate", text(List_VideoBitrate) == kSmartFit ? kSmartFit : Txt_OutputVideoBitrate.text);
-    put("AudioCodec", text(List_AudioCodec));
-    put("SampleRate", text(List_SampleRate));
-    put("AudioBitrate", text(List_AudioBitrate));
-    put("Channels", text(List_Channels));
-    put("AudioSize", text(List_SampleSize));
-    put("AspectRatio", text(List_Aspect));
-    put("QualityLevel", Quality_Text(Radio_Quality));
     put("ID", id);
     put("Removable", QStringLiteral("Yes"));
     refreshPresetListLabels();

@@ -112,6 +112,7 @@ private:
     void videoBitrateChanged();
     void afterListChange();
     void markAndStore();
+    void storeValues(qsizetype row, bool plain);
     void setSpin(SpinField& box, int value);
     void raiseToMinimum(SpinField& box);
     void setSizeBoxesVisible(bool visible);
