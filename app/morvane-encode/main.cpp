@@ -4,6 +4,8 @@
 //   ...]
 //
 // --empty-hook sets a hook that does nothing, so that "-VideoOutputHook" costs its conversions.
+// --threads N gives each decoder and encoder N threads, for measuring (default: the cores shared out
+// among the tasks that run at once).
 // --seek gives the input options of the tasks that follow it (" -ss 12.5"; "" for none). Progress and
 // each task's end go to standard error; the exit status is 0 only if every task finished.
 #include "FFEncoder.h"
@@ -20,9 +22,11 @@ using morvane::FFLogger;
 namespace {
 
 int usage() {
-    std::fprintf(stderr, "usage: morvane-encode [--parallel N] [--seek \"TEXT\"] [--empty-hook] [--verbose] "
-                         "INPUT OUTPUT "
-                         "\"ARGUMENT TEXT\" [INPUT OUTPUT \"ARGUMENT TEXT\" ...]\n");
+    std::fprintf(
+        stderr,
+        "usage: morvane-encode [--parallel N] [--seek \"TEXT\"] [--empty-hook] [--threads N] [--verbose] "
+        "INPUT OUTPUT "
+        "\"ARGUMENT TEXT\" [INPUT OUTPUT \"ARGUMENT TEXT\" ...]\n");
     return 2;
 }
 
@@ -48,6 +52,12 @@ int main(int argc, char** argv) {
             bool ok = false;
             parallel = args[i + 1].toInt(&ok);
             if (!ok || parallel < 0) return usage();
+            i += 2;
+        } else if (a == QLatin1String("--threads") && i + 1 < args.size()) {
+            bool ok = false;
+            const int threads = args[i + 1].toInt(&ok);
+            if (!ok || threads < 0) return usage();
+            encoder.SetCodecThreads(threads);
             i += 2;
         } else if (a == QLatin1String("--seek") && i + 1 < args.size()) {
             seek = args[i + 1];

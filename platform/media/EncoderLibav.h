@@ -7,6 +7,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/error.h>
 #include <libavutil/frame.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -39,6 +40,9 @@ struct GraphFreer {
 struct SwsFreer {
     void operator()(SwsContext* s) const { sws_freeContext(s); }
 };
+struct SwrFreer {
+    void operator()(SwrContext* s) const { swr_free(&s); }
+};
 struct InOutFreer {
     void operator()(AVFilterInOut* io) const { avfilter_inout_free(&io); }
 };
@@ -50,6 +54,7 @@ using FramePtr = std::unique_ptr<AVFrame, FrameFreer>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketFreer>;
 using GraphPtr = std::unique_ptr<AVFilterGraph, GraphFreer>;
 using SwsPtr = std::unique_ptr<SwsContext, SwsFreer>;
+using SwrPtr = std::unique_ptr<SwrContext, SwrFreer>;
 using InOutPtr = std::unique_ptr<AVFilterInOut, InOutFreer>;
 
 inline std::string errorText(int code) {

@@ -22,6 +22,7 @@ struct FFEncoder::Run {
     std::vector<std::pair<int, TranscodeJob>> jobs; // task number, job
     VideoHook hook;
     int progressInterval = 400;
+    int codecThreads = 0;
     TaskControl control;
     std::atomic<std::size_t> next{0};
     std::atomic<int> active{0};
@@ -108,6 +109,9 @@ bool FFEncoder::Start(int tasksAtOnce) {
             Qt::QueuedConnection);
         return true;
     }
+    run->codecThreads = m_codecThreads;
+    if (run->codecThreads == 0 && workers > 1)
+        run->codecThreads = std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / workers);
     run->active = workers;
     for (int i = 0; i < workers; ++i)
         m_workers.emplace_back([this, run] { workerLoop(run); });
@@ -125,6 +129,7 @@ void FFEncoder::workerLoop(std::shared_ptr<Run> run) {
             TranscodeCallbacks cb;
             cb.hook = run->hook;
             cb.progressIntervalMs = run->progressInterval;
+            cb.codecThreads = run->codecThreads;
             cb.progress = [this, task](std::int64_t pos, std::int64_t dur) {
                 QMetaObject::invokeMethod(
                     this, [this, task, pos, dur] { emit OnProgress(task, pos, dur); }, Qt::QueuedConnection);

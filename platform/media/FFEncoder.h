@@ -68,6 +68,9 @@ public:
     void SetRunMode(int mode) { m_runMode = mode; }
     int ProgressInterval() const { return m_progressInterval; }
     void SetProgressInterval(int ms) { m_progressInterval = ms > 0 ? ms : 400; }
+    // Threads of each decoder and encoder of a task; 0 (the default) shares the cores out among the
+    // tasks that run at once. Takes effect at the next Start.
+    void SetCodecThreads(int threads) { m_codecThreads = threads > 0 ? threads : 0; }
 
 signals:
     void OnProgress(int task, qint64 positionUs, qint64 durationUs);
@@ -92,6 +95,7 @@ private:
     std::atomic<bool> m_previewEnabled{false}; // read by the workers
     int m_runMode = 0;
     int m_progressInterval = 400;
+    int m_codecThreads = 0;
 };
 
 } // namespace morvane

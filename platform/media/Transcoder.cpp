@@ -14,6 +14,7 @@ extern "C" {
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -97,6 +98,18 @@ std::string seconds(std::int64_t us) {
     return buf;
 }
 
+// The encoder's stream-wide data (its buffer model above all) belongs to the stream: the MPEG program
+// muxer sizes its buffers by it, and without it it underflows them.
+int copySideData(const AVCodecContext* e, AVStream* st) {
+    for (int i = 0; i < e->nb_coded_side_data; ++i) {
+        const AVPacketSideData& sd = e->coded_side_data[i];
+        std::uint8_t* dst = av_stream_new_side_data(st, sd.type, sd.size);
+        if (!dst) return AVERROR(ENOMEM);
+        std::memcpy(dst, sd.data, sd.size);
+    }
+    return 0;
+}
+
 struct OutStream {
     bool video = false;
     AVStream* in = nullptr;
@@ -110,6 +123,16 @@ struct OutStream {
     bool sinkDone = false;     // the graph has ended (end of -t or of the input)
     bool flushed = false;
     std::int64_t endPts = AV_NOPTS_VALUE; // end of the last decoded frame, in input stream time
+
+    // What the graph's source was set up for. Decoded frames that differ (a stream whose size, rate or
+    // layout changes midway) are converted to it first, since the graph cannot change on the fly.
+    int srcWidth = 0, srcHeight = 0, srcFormat = -1;
+    int srcRate = 0, srcChannels = 0;
+    std::uint64_t srcMask = 0; // 0: not a native-order layout
+    SwsPtr toSource;
+    SwrPtr resampleToSource;
+    int adaptRate = 0, adaptFormat = -1, adaptChannels = 0; // what resampleToSource was made for
+    std::uint64_t adaptMask = 0;
 };
 
 class Transcoder {
@@ -177,7 +200,7 @@ private:
         int r = avcodec_parameters_to_context(s.dec.get(), s.in->codecpar);
         if (r < 0) return fail("setting up the decoder", r);
         s.dec->pkt_timebase = s.in->time_base;
-        s.dec->thread_count = 0;
+        s.dec->thread_count = m_cb.codecThreads;
         if ((r = avcodec_open2(s.dec.get(), dec, nullptr)) < 0) return fail("opening the decoder", r);
         s.inOffset = av_rescale_q(m_startUs, AV_TIME_BASE_Q, s.in->time_base);
         return true;
@@ -249,6 +272,9 @@ private:
                 fmt = AV_PIX_FMT_YUVJ444P;
         }
 
+        s.srcWidth = d->width;
+        s.srcHeight = d->height;
+        s.srcFormat = d->pix_fmt;
         s.graph.reset(avfilter_graph_alloc());
         char args[256];
         std::snprintf(args, sizeof args,
@@ -285,6 +311,8 @@ private:
         // Some encoders round the ratio to what their bitstream holds; the container keeps the exact one.
         const AVRational wantedSar = e->sample_aspect_ratio;
         if (m_opt.videoBitrate > 0) e->bit_rate = m_opt.videoBitrate;
+        // The library's default is one thread; the ffmpeg program asks for one per core, as we do.
+        e->thread_count = m_cb.codecThreads;
         if (m_out->oformat->flags & AVFMT_GLOBALHEADER) e->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         if ((r = avcodec_open2(e, codec, nullptr)) < 0)
             return fail("opening the video encoder '" + std::string(codec->name) + "'", r);
@@ -292,6 +320,7 @@ private:
         s.out = avformat_new_stream(m_out.get(), nullptr);
         if (!s.out || (r = avcodec_parameters_from_context(s.out->codecpar, e)) < 0)
             return fail("adding the video stream", s.out ? r : AVERROR(ENOMEM));
+        if ((r = copySideData(e, s.out)) < 0) return fail("adding the video stream", r);
         s.out->time_base = e->time_base;
         s.out->avg_frame_rate = rate;
         s.out->sample_aspect_ratio = wantedSar;
@@ -356,6 +385,7 @@ private:
         av_channel_layout_copy(&e->ch_layout, &layout);
         e->time_base = {1, rate};
         if (m_opt.audioBitrate > 0) e->bit_rate = m_opt.audioBitrate;
+        e->thread_count = m_cb.codecThreads;
         if (m_out->oformat->flags & AVFMT_GLOBALHEADER) e->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
         int r = avcodec_open2(e, codec, nullptr);
         if (r < 0) {
@@ -367,6 +397,10 @@ private:
         char inDesc[128] = {}, outDesc[128] = {};
         av_channel_layout_describe(&inLayout, inDesc, sizeof inDesc);
         av_channel_layout_describe(&e->ch_layout, outDesc, sizeof outDesc);
+        s.srcRate = d->sample_rate;
+        s.srcFormat = d->sample_fmt;
+        s.srcChannels = inLayout.nb_channels;
+        s.srcMask = inLayout.order == AV_CHANNEL_ORDER_NATIVE ? inLayout.u.mask : 0;
         av_channel_layout_uninit(&inLayout);
         av_channel_layout_uninit(&layout);
 
@@ -392,6 +426,7 @@ private:
         s.out = avformat_new_stream(m_out.get(), nullptr);
         if (!s.out || (r = avcodec_parameters_from_context(s.out->codecpar, e)) < 0)
             return fail("adding the audio stream", s.out ? r : AVERROR(ENOMEM));
+        if ((r = copySideData(e, s.out)) < 0) return fail("adding the audio stream", r);
         s.out->time_base = e->time_base;
         m_streams.push_back(std::move(s));
         m_byInput[index] = static_cast<int>(m_streams.size()) - 1;
@@ -446,8 +481,10 @@ private:
         PacketPtr pkt(av_packet_alloc());
         m_frame.reset(av_frame_alloc());
         m_filtered.reset(av_frame_alloc());
+        m_adapted.reset(av_frame_alloc());
         m_packet.reset(av_packet_alloc());
-        if (!pkt || !m_frame || !m_filtered || !m_packet) return fail("allocating", AVERROR(ENOMEM));
+        if (!pkt || !m_frame || !m_filtered || !m_adapted || !m_packet)
+            return fail("allocating", AVERROR(ENOMEM));
         m_lastReport = std::chrono::steady_clock::now();
 
         while (true) {
@@ -502,8 +539,15 @@ private:
             const std::int64_t ts = m_frame->best_effort_timestamp;
             m_frame->pts = ts == AV_NOPTS_VALUE ? AV_NOPTS_VALUE : ts - s.inOffset;
             if (m_frame->pts != AV_NOPTS_VALUE) s.endPts = m_frame->pts + frameDuration(s, m_frame.get());
-            r = av_buffersrc_add_frame_flags(s.src, m_frame.get(), 0);
+            AVFrame* in = m_frame.get();
+            if (!matchesSource(s, in)) {
+                if (!toSource(s, in)) return false;
+                in = m_adapted.get();
+            }
+            // A resampler may hold back all of a short frame.
+            r = in->nb_samples > 0 || s.video ? av_buffersrc_add_frame_flags(s.src, in, 0) : 0;
             av_frame_unref(m_frame.get());
+            av_frame_unref(m_adapted.get());
             if (r < 0 && r != AVERROR_EOF) return fail("filtering", r);
             if (!drain(s)) return false;
             if (s.sinkDone) return true;
@@ -512,6 +556,67 @@ private:
         if ((r = av_buffersrc_close(s.src, s.endPts, AV_BUFFERSRC_FLAG_PUSH)) < 0 && r != AVERROR_EOF)
             return fail("filtering", r);
         return drain(s);
+    }
+
+    static bool matchesSource(const OutStream& s, const AVFrame* f) {
+        if (s.video) return f->width == s.srcWidth && f->height == s.srcHeight && f->format == s.srcFormat;
+        return f->sample_rate == s.srcRate && f->format == s.srcFormat &&
+               f->ch_layout.nb_channels == s.srcChannels &&
+               (f->ch_layout.order != AV_CHANNEL_ORDER_NATIVE || s.srcMask == 0 ||
+                f->ch_layout.u.mask == s.srcMask);
+    }
+
+    // Converts a frame into m_adapted in the format the graph's source was set up for: pictures are
+    // scaled back to the first size (as the ffmpeg program does), sound is resampled.
+    bool toSource(OutStream& s, const AVFrame* f) {
+        AVFrame* a = m_adapted.get();
+        a->format = s.srcFormat;
+        int r = 0;
+        if (s.video) {
+            s.toSource.reset(sws_getCachedContext(s.toSource.release(), f->width, f->height,
+                                                  static_cast<AVPixelFormat>(f->format), s.srcWidth,
+                                                  s.srcHeight, static_cast<AVPixelFormat>(s.srcFormat),
+                                                  SWS_BICUBIC, nullptr, nullptr, nullptr));
+            if (!s.toSource) return failText("No conversion for a picture that changed its size or format");
+            a->width = s.srcWidth;
+            a->height = s.srcHeight;
+            if ((r = av_frame_get_buffer(a, 0)) < 0) return fail("converting a changed picture", r);
+            sws_scale(s.toSource.get(), f->data, f->linesize, 0, f->height, a->data, a->linesize);
+            return av_frame_copy_props(a, f) >= 0 || fail("converting a changed picture", AVERROR(ENOMEM));
+        }
+        const std::uint64_t mask = f->ch_layout.order == AV_CHANNEL_ORDER_NATIVE ? f->ch_layout.u.mask : 0;
+        if (!s.resampleToSource || f->sample_rate != s.adaptRate || f->format != s.adaptFormat ||
+            f->ch_layout.nb_channels != s.adaptChannels || mask != s.adaptMask) {
+            // One context per incoming format; the few samples it holds back at a change are dropped.
+            AVChannelLayout target{};
+            if (s.srcMask)
+                av_channel_layout_from_mask(&target, s.srcMask);
+            else
+                av_channel_layout_default(&target, s.srcChannels);
+            AVChannelLayout incoming{};
+            av_channel_layout_copy(&incoming, &f->ch_layout);
+            SwrContext* swr = nullptr;
+            r = swr_alloc_set_opts2(&swr, &target, static_cast<AVSampleFormat>(s.srcFormat), s.srcRate,
+                                    &incoming, static_cast<AVSampleFormat>(f->format), f->sample_rate, 0,
+                                    nullptr);
+            av_channel_layout_uninit(&target);
+            av_channel_layout_uninit(&incoming);
+            s.resampleToSource.reset(swr);
+            if (r < 0 || (r = swr_init(swr)) < 0) return fail("resampling changed sound", r);
+            s.adaptRate = f->sample_rate;
+            s.adaptFormat = f->format;
+            s.adaptChannels = f->ch_layout.nb_channels;
+            s.adaptMask = mask;
+        }
+        if ((r = av_frame_copy_props(a, f)) < 0) return fail("resampling changed sound", r);
+        a->sample_rate = s.srcRate;
+        if (s.srcMask)
+            av_channel_layout_from_mask(&a->ch_layout, s.srcMask);
+        else
+            av_channel_layout_default(&a->ch_layout, s.srcChannels);
+        if ((r = swr_convert_frame(s.resampleToSource.get(), a, f)) < 0)
+            return fail("resampling changed sound", r);
+        return true;
     }
 
     std::int64_t frameDuration(const OutStream& s, const AVFrame* f) const {
@@ -630,7 +735,7 @@ private:
     OutputPtr m_out;
     std::vector<OutStream> m_streams;
     std::vector<int> m_byInput; // input stream index -> m_streams index, or -1
-    FramePtr m_frame, m_filtered, m_bgra;
+    FramePtr m_frame, m_filtered, m_bgra, m_adapted;
     PacketPtr m_packet;
     SwsPtr m_toBgra, m_fromBgra, m_toPreview;
     std::vector<std::uint8_t> m_previewBits;

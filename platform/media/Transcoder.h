@@ -69,6 +69,7 @@ struct TranscodeCallbacks {
     const std::atomic<bool>* previewEnabled = nullptr;
     int previewIntervalMs = 250;
     int previewWidth = 160; // the preview's width; its height follows the display aspect
+    int codecThreads = 0;   // threads of each decoder and encoder; 0 lets the library choose per core
 };
 
 TranscodeResult Run_Transcode(const TranscodeJob& job, TaskControl& control,

@@ -12,6 +12,7 @@ extern "C" {
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -470,6 +471,10 @@ TEST_F(EncoderTest, StopEndsRunningAndWaitingTasksPromptly) {
     }
     EXPECT_LT(frames, 75);
     EXPECT_FALSE(enc.IsRunning());
+    // Stop deletes nothing (the controller decides about partial outputs); the task that never
+    // began made none.
+    EXPECT_GT(QFileInfo(out("stopped0.avi")).size(), 0);
+    EXPECT_FALSE(QFile::exists(out("stopped1.avi")));
 }
 
 TEST_F(EncoderTest, AFailingTaskLeavesTheOthersToFinish) {
@@ -580,6 +585,123 @@ TEST(FFLoggerTest, LinesFromAnyThreadArriveOnTheOwnersThreadWithTheirTask) {
     EXPECT_TRUE(lines[0].onMainThread);
     EXPECT_EQ(lines[1].task, -1);
     EXPECT_EQ(lines[1].text, "main");
+}
+
+TEST_F(EncoderTest, PreviewComesAFewTimesASecond) {
+    FFEncoder enc;
+    Recorder rec(enc);
+    int previews = 0;
+    QObject::connect(&enc, &FFEncoder::OnPreviewBitmap,
+                     [&](int, int, int, const QByteArray&) { ++previews; });
+    // A slow hook stretches 50 frames over more than a second.
+    enc.SetVideoHook([](int, int, int, std::uint8_t*) { QThread::msleep(25); });
+    enc.SetPreviewEnabled(true);
+    enc.AddInput(longClip(), "");
+    ASSERT_EQ(enc.AddOutput(0, out("previewrate.avi"), "-VideoOutputHook  -an  -vcodec mpeg4 -t 2"), 0);
+    QElapsedTimer timer;
+    timer.start();
+    enc.Start(1);
+    ASSERT_TRUE(rec.waitForEnd());
+    const double seconds = static_cast<double>(timer.elapsed()) / 1000;
+    ASSERT_GT(seconds, 1.0);
+    EXPECT_GE(previews / seconds, 2.0) << previews << " in " << seconds << " s";
+    EXPECT_LE(previews / seconds, 6.0) << previews << " in " << seconds << " s";
+}
+
+TEST_F(EncoderTest, InputWhoseSizeRateAndLayoutChangeMidwayConvertsLikeTheFfmpegProgram) {
+    // Two MPEG transport streams joined end to end, as a broadcast recording: the second half has
+    // another picture size, sample rate and channel count.
+    const std::string a = out("first.ts").toStdString(), b = out("second.ts").toStdString();
+    const std::string joined = out("joined.ts").toStdString();
+    const std::string make =
+        "ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=%s:rate=25:duration=1 "
+        "-f lavfi -i sine=frequency=440:sample_rate=%d:duration=1 -ac %d -c:v mpeg2video "
+        "-c:a mp2 %s '%s'";
+    char cmd[1024];
+    std::snprintf(cmd, sizeof cmd, make.c_str(), "176x144", 44100, 1, "", a.c_str());
+    ASSERT_EQ(std::system(cmd), 0);
+    std::snprintf(cmd, sizeof cmd, make.c_str(), "320x240", 48000, 2, "-output_ts_offset 1.4", b.c_str());
+    ASSERT_EQ(std::system(cmd), 0);
+    ASSERT_EQ(std::system(("cat '" + a + "' '" + b + "' > '" + joined + "'").c_str()), 0);
+
+    const char* args = " -ac 2 -ar 44100 -ab 128k -acodec aac -r 25 -vb 300k -vcodec libx264";
+    ASSERT_EQ(std::system(("ffmpeg -nostdin -loglevel error -y -i '" + joined +
+                           "' -ac 2 -ar 44100 -b:a 128k -c:a aac -r 25 -b:v 300k -c:v libx264 '" +
+                           out("joined_ffmpeg.mp4").toStdString() + "'")
+                              .c_str()),
+              0);
+    FFEncoder enc;
+    Recorder rec(enc);
+    enc.AddInput(QString::fromStdString(joined), "");
+    ASSERT_EQ(enc.AddOutput(0, out("joined.mp4"), args), 0);
+    enc.Start(1);
+    ASSERT_TRUE(rec.waitForEnd());
+    ASSERT_TRUE(rec.terminateOf(0)->finished) << rec.terminateOf(0)->message.toStdString();
+
+    const Props ours = probe(out("joined.mp4"));
+    const Props theirs = probe(out("joined_ffmpeg.mp4"));
+    EXPECT_EQ(ours.width, 176); // the first size holds throughout
+    EXPECT_EQ(ours.height, 144);
+    EXPECT_EQ(ours.sampleRate, 44100);
+    EXPECT_EQ(ours.channels, 2);
+    EXPECT_GT(theirs.duration, 2.0);
+    EXPECT_NEAR(ours.duration, theirs.duration, 1.0 / 25);
+}
+
+// Peak resident memory of this process from the kernel; the peak can be reset (Linux 4.0 and later).
+long peakKb() {
+    QFile f("/proc/self/status");
+    if (!f.open(QIODevice::ReadOnly)) return -1;
+    for (const QByteArray& line : f.readAll().split('\n'))
+        if (line.startsWith("VmHWM:")) return line.mid(6).trimmed().split(' ').front().toLong();
+    return -1;
+}
+
+bool resetPeak() {
+    QFile f("/proc/self/clear_refs");
+    return f.open(QIODevice::WriteOnly) && f.write("5") == 1;
+}
+
+TEST_F(EncoderTest, PeakMemoryDoesNotGrowWithTheInputsLength) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP()
+        << "the sanitizer's quarantine keeps freed memory resident, so the peak follows the work done";
+#endif
+    // In this process, the peak reset before each run: a 10 s and a 60 s input through the same job
+    // must peak within a few megabytes of each other. Whatever grew with the length (frames queued
+    // in the muxer, packets kept, a leak per frame) would show six times over in the long run.
+    const auto makeInput = [&](const QString& path, int seconds) {
+        const std::string cmd =
+            "ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=160x120:rate=25:duration=" +
+            std::to_string(seconds) +
+            " -f lavfi -i sine=frequency=440:sample_rate=48000:duration=" + std::to_string(seconds) +
+            " -ac 2 -c:v mpeg4 -c:a pcm_s16le '" + path.toStdString() + "'";
+        return std::system(cmd.c_str()) == 0;
+    };
+    ASSERT_TRUE(makeInput(out("ten.mkv"), 10));
+    ASSERT_TRUE(makeInput(out("sixty.mkv"), 60));
+    if (!resetPeak()) GTEST_SKIP() << "this kernel cannot reset the peak resident set";
+
+    const auto peakOf = [&](const QString& input, const QString& output) {
+        FFEncoder enc;
+        Recorder rec(enc);
+        enc.AddInput(input, "");
+        EXPECT_EQ(
+            enc.AddOutput(0, output,
+                          " -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 25 -vb 300k -vcodec libx264"),
+            0);
+        resetPeak();
+        enc.Start(1);
+        EXPECT_TRUE(rec.waitForEnd(120000));
+        EXPECT_TRUE(rec.terminateOf(0) && rec.terminateOf(0)->finished);
+        return peakKb();
+    };
+    peakOf(clip(), out("warm.mp4")); // the libraries' one-time tables
+    const long ten = peakOf(out("ten.mkv"), out("ten.mp4"));
+    const long sixty = peakOf(out("sixty.mkv"), out("sixty.mp4"));
+    ASSERT_GT(ten, 0);
+    EXPECT_LT(sixty - ten, 4 * 1024) << "10 s: " << ten << " kB, 60 s: " << sixty << " kB";
+    EXPECT_NEAR(probe(out("sixty.mp4")).duration, 60, 0.1);
 }
 
 } // namespace
