@@ -40,6 +40,7 @@ read -r ff_t ff_m < <(measure ffmpeg -nostdin -loglevel error -y -i std.mp4 -ac 
     -r 30 -aspect 1.78 -b:v 1500k -c:v libx264 ff.mp4)
 read -r our_t our_m < <(measure "$ENC" std.mp4 ours.mp4 "$ARGS")
 read -r hook_t hook_m < <(measure "$ENC" --empty-hook std.mp4 hook.mp4 "-VideoOutputHook $ARGS")
+read -r idle_t idle_m < <(measure "$ENC" --idle-hook std.mp4 idle.mp4 "-VideoOutputHook $ARGS")
 
 tasks=()
 for i in 1 2 3 4 5 6 7 8; do tasks+=(short$i.mp4 "out$i.mp4" "$SHORT"); done
@@ -50,5 +51,6 @@ ratio() { awk -v a="$1" -v b="$2" 'BEGIN{printf "%.2f", a/b}'; }
 echo "ffmpeg:                 ${ff_t} s, ${ff_m} kB"
 echo "morvane-encode:         ${our_t} s, ${our_m} kB  (time $(ratio "$our_t" "$ff_t"), memory $(ratio "$our_m" "$ff_m") of ffmpeg)"
 echo "  with an empty hook:   ${hook_t} s, ${hook_m} kB  (time $(ratio "$hook_t" "$our_t") of without)"
+echo "  with an idle hook:    ${idle_t} s, ${idle_m} kB  (time $(ratio "$idle_t" "$our_t") of without)"
 echo "8 short, one at a time: ${p1_t} s"
 echo "8 short, --parallel 2:  ${p2_t} s  (throughput $(ratio "$p1_t" "$p2_t") times)"

@@ -3,7 +3,8 @@
 //   morvane-encode [--parallel N] [--seek "TEXT"] INPUT OUTPUT "ARGUMENT TEXT" [INPUT OUTPUT "ARGUMENT TEXT"
 //   ...]
 //
-// --empty-hook sets a hook that does nothing, so that "-VideoOutputHook" costs its conversions.
+// --empty-hook sets a hook that does nothing, so that "-VideoOutputHook" costs its conversions;
+// --idle-hook one that says it has no work, as the program's does without effects.
 // --threads N gives each decoder and encoder N threads, for measuring (default: the cores shared out
 // among the tasks that run at once).
 // --seek gives the input options of the tasks that follow it (" -ss 12.5"; "" for none). Progress and
@@ -22,11 +23,10 @@ using morvane::FFLogger;
 namespace {
 
 int usage() {
-    std::fprintf(
-        stderr,
-        "usage: morvane-encode [--parallel N] [--seek \"TEXT\"] [--empty-hook] [--threads N] [--verbose] "
-        "INPUT OUTPUT "
-        "\"ARGUMENT TEXT\" [INPUT OUTPUT \"ARGUMENT TEXT\" ...]\n");
+    std::fprintf(stderr, "usage: morvane-encode [--parallel N] [--seek \"TEXT\"] [--empty-hook] "
+                         "[--idle-hook] [--threads N] [--verbose] "
+                         "INPUT OUTPUT "
+                         "\"ARGUMENT TEXT\" [INPUT OUTPUT \"ARGUMENT TEXT\" ...]\n");
     return 2;
 }
 
@@ -62,6 +62,11 @@ int main(int argc, char** argv) {
         } else if (a == QLatin1String("--seek") && i + 1 < args.size()) {
             seek = args[i + 1];
             i += 2;
+        } else if (a == QLatin1String("--idle-hook")) {
+            // A hook with nothing to do, as the program's with an empty effect list: frames skip it.
+            encoder.SetVideoHook([](int, int, int, std::uint8_t*) {});
+            encoder.SetVideoHookActive([] { return false; });
+            ++i;
         } else if (a == QLatin1String("--empty-hook")) {
             // For measuring the BGRA round trip of the hook on its own.
             encoder.SetVideoHook([](int, int, int, std::uint8_t*) {});

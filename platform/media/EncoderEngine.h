@@ -47,6 +47,8 @@ public:
     virtual void SetPreviewEnabled(bool enabled) = 0;
     // Called on a worker thread for each output frame; set while idle.
     virtual void SetVideoHook(VideoHook hook) = 0;
+    // Asked before each frame; false (no effects to run) lets the frame skip the hook's conversions.
+    virtual void SetVideoHookActive(VideoHookActive active) = 0;
 
     // The one receiver of the events; nullptr drops them.
     void SetListener(EncoderListener* listener) { m_listener = listener; }

@@ -21,6 +21,7 @@ struct FFEncoder::Task {
 struct FFEncoder::Run {
     std::vector<std::pair<int, TranscodeJob>> jobs; // task number, job
     VideoHook hook;
+    VideoHookActive hookActive;
     int progressInterval = 400;
     int codecThreads = 0;
     TaskControl control;
@@ -94,6 +95,7 @@ bool FFEncoder::Start(int tasksAtOnce) {
         if (m_tasks[i]->hasOutput && !m_tasks[i]->removed)
             run->jobs.emplace_back(static_cast<int>(i), m_tasks[i]->job);
     run->hook = m_hook;
+    run->hookActive = m_hookActive;
     run->progressInterval = m_progressInterval;
     m_run = run;
     m_running = true;
@@ -128,6 +130,7 @@ void FFEncoder::workerLoop(std::shared_ptr<Run> run) {
             FFLogger::SetThreadTask(task);
             TranscodeCallbacks cb;
             cb.hook = run->hook;
+            cb.hookActive = run->hookActive;
             cb.progressIntervalMs = run->progressInterval;
             cb.codecThreads = run->codecThreads;
             cb.progress = [this, task](std::int64_t pos, std::int64_t dur) {

@@ -57,6 +57,8 @@ public:
 
     // Called for each output frame when the argument text holds "-VideoOutputHook". Set while idle.
     void SetVideoHook(VideoHook hook) { m_hook = std::move(hook); }
+    // Asked before each frame; false skips the hook and its conversions for that frame.
+    void SetVideoHookActive(VideoHookActive active) { m_hookActive = std::move(active); }
 
     QString LastErrorMessage() const { return m_lastError; }
     int TaskCount() const;
@@ -90,6 +92,7 @@ private:
     std::shared_ptr<Run> m_run;         // the current or last run, shared with its workers
     std::vector<std::thread> m_workers; // joined on the owning thread only
     VideoHook m_hook;
+    VideoHookActive m_hookActive;
     QString m_lastError;
     bool m_running = false;                    // true from Start until the final OnTerminate is delivered
     std::atomic<bool> m_previewEnabled{false}; // read by the workers

@@ -30,6 +30,9 @@ public:
     int TaskCount() const override { return m_encoder.TaskCount(); }
     void SetPreviewEnabled(bool enabled) override { m_encoder.SetPreviewEnabled(enabled); }
     void SetVideoHook(VideoHook hook) override { m_encoder.SetVideoHook(std::move(hook)); }
+    void SetVideoHookActive(VideoHookActive active) override {
+        m_encoder.SetVideoHookActive(std::move(active));
+    }
 
     // For the settings that only the real engine has (RunMode, ProgressInterval).
     FFEncoder& encoder() { return m_encoder; }

@@ -642,7 +642,9 @@ private:
                 m_filtered->pts = av_rescale_q(m_filtered->pts, tb, s.enc->time_base);
             }
             m_filtered->pict_type = AV_PICTURE_TYPE_NONE;
-            bool ok = !s.video || !m_opt.videoHook || !m_cb.hook || applyHook(m_filtered.get());
+            const bool hookWanted =
+                s.video && m_opt.videoHook && m_cb.hook && (!m_cb.hookActive || m_cb.hookActive());
+            bool ok = !hookWanted || applyHook(m_filtered.get());
             ok = ok && (!s.video || sendPreview(s, m_filtered.get()));
             ok = ok && encode(s, m_filtered.get());
             av_frame_unref(m_filtered.get());

@@ -62,8 +62,9 @@ bool Check_Output(const std::string& outputPath, const EncoderOptions& options, 
 
 // What a task reports while it runs; each member may be empty.
 struct TranscodeCallbacks {
-    VideoHook hook;      // each output frame, when the options ask for it
-    ProgressFn progress; // every progressIntervalMs, and once at the end
+    VideoHook hook;             // each output frame, when the options ask for it
+    VideoHookActive hookActive; // when set and false, the frame goes on untouched
+    ProgressFn progress;        // every progressIntervalMs, and once at the end
     int progressIntervalMs = 400;
     PreviewFn preview; // every previewIntervalMs while *previewEnabled
     const std::atomic<bool>* previewEnabled = nullptr;

@@ -69,6 +69,7 @@ public:
     }
     void SetPreviewEnabled(bool enabled) override { calls << QStringLiteral("Preview %1").arg(enabled); }
     void SetVideoHook(VideoHook hook) override { (void)hook; }
+    void SetVideoHookActive(VideoHookActive active) override { (void)active; }
 
     void progress(int task, qint64 position, qint64 duration) {
         Listener()->OnProgress(task, position, duration);

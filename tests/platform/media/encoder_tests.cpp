@@ -296,9 +296,12 @@ TEST_F(EncoderTest, HookChangesEveryOutputFrameOnlyWithItsSwitch) {
     const char* tail = R"( -an  -r 25 -aspect 1.33 -vb 4000k -vcodec mpeg4 -t 1)";
     std::atomic<int> calls{0};
     std::atomic<bool> badGeometry{false};
-    auto run = [&](const QString& output, const QString& args) {
+    // Every other frame the hook says it has nothing to do, as with an empty effect list.
+    std::atomic<int> asked{0};
+    auto run = [&](const QString& output, const QString& args, bool everyOther = false) {
         FFEncoder enc;
         Recorder rec(enc);
+        if (everyOther) enc.SetVideoHookActive([&] { return asked++ % 2 == 1; });
         enc.SetVideoHook([&](int w, int h, int stride, std::uint8_t* bits) {
             ++calls;
             if (w != 160 || h != 120 || stride < w * 4) badGeometry = true;
@@ -327,6 +330,17 @@ TEST_F(EncoderTest, HookChangesEveryOutputFrameOnlyWithItsSwitch) {
     for (std::size_t i = 0; i < plain.size(); ++i)
         error += std::abs(255 - plain[i] - hooked[i]);
     EXPECT_LT(error / plain.size(), 8.0);
+
+    calls = 0;
+    run(out("half.avi"), QString("-VideoOutputHook ") + tail, true);
+    EXPECT_EQ(asked, 25);
+    EXPECT_EQ(calls, 12);
+    const auto untouched = firstFrameRgb(out("half.avi")); // frame 0 was skipped
+    ASSERT_EQ(untouched.size(), plain.size());
+    double difference = 0;
+    for (std::size_t i = 0; i < plain.size(); ++i)
+        difference += std::abs(plain[i] - untouched[i]);
+    EXPECT_LT(difference / plain.size(), 8.0);
 }
 
 TEST_F(EncoderTest, PreviewComesOnlyWhileEnabled) {
