@@ -2,6 +2,7 @@
 // settings, and the outputs read back with the decoder.
 #include "VideoConverter_Mods.h"
 
+#include "CMD_MediaConvert.h"
 #include "Catalogue_Load.h"
 #include "Encrypt_Mod.h"
 #include "FFDecoder.h"
@@ -57,62 +58,82 @@ qsizetype presetRow(const CatalogueTable& presets, const QString& id) {
 
 } // namespace
 
-TEST(ConversionJobMedia, ThreeClipsConvertWithAShippedPreset) {
+// Three generated clips in the list and a shipped preset applied: MPEG-4 320 x 240 at 15 fps, AAC
+// 22050 Hz stereo.
+class ConversionJobMedia : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir.isValid());
+        Catalogue_Passphrase = QString::fromLatin1(Catalogue_PassphraseText);
+        Folder_Temp = dir.filePath("temp/");
+        Folder_UserPreset = dir.filePath("user/");
+        File_UserPreset = "UserPreset.dat";
+        Folder_UserFavorite = dir.filePath("user/");
+        File_UserFavorite = "Favorites.dat";
+        QDir().mkpath(Folder_Temp);
+        Set_MessageHandler([this](const QString& text, int, const QString&, const QString&) {
+            messages << text;
+            return ID_OK;
+        });
+
+        Catalogue_Load(catalogue);
+        const qsizetype row = presetRow(catalogue.ReportControl_PresetMain, "VF-MP4-07");
+        ASSERT_GT(row, 0);
+        settings.Preset_Apply(row); // MPEG-4 320 x 240 at 15 fps, AAC 22050 Hz stereo
+
+        auto decoder = Make_FFDecoder();
+        const QStringList lengths = {"1", "2", "1.5"};
+        for (int i = 0; i < lengths.size(); ++i) {
+            const QString clip = dir.filePath(QStringLiteral("clip%1.mp4").arg(i + 1));
+            ASSERT_TRUE(makeClip(clip, lengths.at(i)));
+            Fill_Item(clip, 0, table, *decoder);
+        }
+        ASSERT_EQ(table.rows(), 3);
+    }
+    void TearDown() override { Set_MessageHandler(nullptr); }
+
+    // Runs the list through the controller and the real engine to the end of the queue.
+    void convert() {
+        FFEncoderEngine engine;
+        VideoConverter converter(table, settings, browser, engine, host, true);
+        converter.Txt_OutputPath = dir.filePath("out/");
+        if (merging)
+            converter.Merge_Requested = [&] {
+                return merge.Merge_All(table, converter.Output_Folder(), browser.PanelActive);
+            };
+        Output_NameMode = 1;
+        converter.chkThreadMode = true;
+        converter.txtThreadCount = "2";
+        converter.Start();
+        ASSERT_EQ(converter.Get_ConversionState(), Conversion_Converting)
+            << messages.join('\n').toStdString();
+
+        QElapsedTimer clock;
+        clock.start();
+        while (converter.Get_ConversionState() != Conversion_Idle && clock.elapsed() < 120000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+            QThread::msleep(5);
+        }
+        ASSERT_EQ(converter.Get_ConversionState(), Conversion_Idle);
+        EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+        EXPECT_EQ(host.completions, 1);
+        EXPECT_FALSE(converter.ProgressBar_Total.Visible);
+        EXPECT_FALSE(converter.Timer_ConversionElapsed());
+    }
+
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    Catalogue_Passphrase = QString::fromLatin1(Catalogue_PassphraseText);
-    Folder_Temp = dir.filePath("temp/");
-    Folder_UserPreset = dir.filePath("user/");
-    File_UserPreset = "UserPreset.dat";
-    Folder_UserFavorite = dir.filePath("user/");
-    File_UserFavorite = "Favorites.dat";
-    QDir().mkpath(Folder_Temp);
     QStringList messages;
-    Set_MessageHandler([&messages](const QString& text, int, const QString&, const QString&) {
-        messages << text;
-        return ID_OK;
-    });
-
     Catalogue catalogue;
-    Catalogue_Load(catalogue);
-    FormatSetting settings(catalogue);
-    OutputBrowser browser(catalogue, settings);
-    const qsizetype row = presetRow(catalogue.ReportControl_PresetMain, "VF-MP4-07");
-    ASSERT_GT(row, 0);
-    settings.Preset_Apply(row); // MPEG-4 320 x 240 at 15 fps, AAC 22050 Hz stereo
-
+    FormatSetting settings{catalogue};
+    OutputBrowser browser{catalogue, settings};
     FileViewMain table;
-    auto decoder = Make_FFDecoder();
-    const QStringList lengths = {"1", "2", "1.5"};
-    for (int i = 0; i < lengths.size(); ++i) {
-        const QString clip = dir.filePath(QStringLiteral("clip%1.mp4").arg(i + 1));
-        ASSERT_TRUE(makeClip(clip, lengths.at(i)));
-        Fill_Item(clip, 0, table, *decoder);
-    }
-    ASSERT_EQ(table.rows(), 3);
-
-    FFEncoderEngine engine;
     QuietHost host;
-    VideoConverter converter(table, settings, browser, engine, host, true);
-    converter.Txt_OutputPath = dir.filePath("out/");
-    Output_NameMode = 1;
-    converter.chkThreadMode = true;
-    converter.txtThreadCount = "2";
-    converter.Start();
-    ASSERT_EQ(converter.Get_ConversionState(), Conversion_Converting) << messages.join('\n').toStdString();
+    bool merging = false;
+    MergePipeline merge;
+};
 
-    QElapsedTimer clock;
-    clock.start();
-    while (converter.Get_ConversionState() != Conversion_Idle && clock.elapsed() < 120000) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        QThread::msleep(5);
-    }
-    ASSERT_EQ(converter.Get_ConversionState(), Conversion_Idle);
-    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
-    EXPECT_EQ(host.completions, 1);
-    EXPECT_FALSE(converter.ProgressBar_Total.Visible);
-    EXPECT_FALSE(converter.Timer_ConversionElapsed());
-
+TEST_F(ConversionJobMedia, ThreeClipsConvertWithAShippedPreset) {
+    convert();
     for (int r = 0; r < 3; ++r) {
         EXPECT_EQ(table.text(r, FileCol::Status), "Done") << table.text(r, FileCol::ErrMsg).toStdString();
         const QString output = table.text(r, FileCol::ConvertedFileName);
@@ -134,4 +155,24 @@ TEST(ConversionJobMedia, ThreeClipsConvertWithAShippedPreset) {
         EXPECT_EQ(reader->GetAudioInfosChannels(audio), 2);
     }
     Set_MessageHandler(nullptr);
+}
+
+TEST_F(ConversionJobMedia, ThreeClipsMergeIntoOneFileOfTheSummedLength) {
+    browser.mergeChecked = true;
+    merging = true;
+    merge.waitStep = [](int milliseconds) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
+    };
+    convert();
+    EXPECT_EQ(host.completions, 1);
+    const QString joined = dir.filePath("out/clip1_(new).MP4");
+    EXPECT_EQ(merge.Merge_OutputPath, joined);
+    for (int r = 0; r < 3; ++r)
+        EXPECT_FALSE(QFileInfo::exists(table.text(r, FileCol::ConvertedFileName))) << r;
+    auto reader = Make_FFDecoder();
+    ASSERT_TRUE(reader->OpenFile(joined, QString())) << reader->LastErrorMessage().toStdString();
+    const double seconds =
+        Time_ToSeconds(Time_FromPair(reader->GetFileInfoDurationLow(), reader->GetFileInfoDurationHigh()));
+    EXPECT_NEAR(seconds, 4.5, 0.15);
+    EXPECT_EQ(reader->GetVideoInfosWidth(reader->FirstVideoStreamIndex()), 320);
 }
