@@ -1,0 +1,30 @@
+// The command line of the terminal front end, parsed into plain values. Kept apart from main so that
+// the parse rules stay small and readable.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace morvane {
+
+struct CliOptions {
+    QStringList inputs; // files and folders, as given
+    QString preset;
+    QString output; // empty: the saved output folder
+    bool merge = false;
+    int parallel = 0;  // 0: one at a time
+    int nameMode = -1; // -1 the saved rule, 0 overwrite, 1 rename
+    bool listPresets = false;
+    QString listQuery;
+    bool dryRun = false;
+    bool help = false;
+    bool version = false;
+};
+
+// Fills `options` from the arguments after the program name. Returns an empty text on success, or
+// the reason the command line is unusable.
+QString Cli_Parse(const QStringList& arguments, CliOptions& options);
+
+QString Cli_HelpText(const QString& program);
+
+} // namespace morvane

@@ -1,0 +1,371 @@
+// The terminal front end: the same catalogue, settings and conversion controller as the desktop
+// program, driven from the command line and reporting on standard error.
+
+#include "CMD_MediaConvert.h"
+#include "Catalogue_Load.h"
+#include "Cli_Options.h"
+#include "FFDecoder.h"
+#include "FFEncoderEngine.h"
+#include "FileList_Mods.h"
+#include "Globals.h"
+#include "Import_Files.h"
+#include "OutputBrowser.h"
+#include "Preset_Mods.h"
+#include "Registry_Mod.h"
+#include "Report_List.h"
+#include "Sub_Main.h"
+#include "VideoConverter_Mods.h"
+#include "mMain.h"
+
+#include <QCoreApplication>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QThread>
+
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+using namespace morvane;
+
+namespace {
+
+enum ExitCode : int { Exit_Done = 0, Exit_Failed = 1, Exit_Usage = 2 };
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void onInterrupt(int) {
+    interrupted = 1;
+}
+
+void err(const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stderr);
+    std::fputc('\n', stderr);
+}
+
+void out(const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+    std::fputc('\n', stdout);
+}
+
+// Messages have no one to answer them here: print and take the first button, as a box's default.
+int printMessage(const QString& text, int flags, const QString& title, const QString& detail) {
+    (void)title;
+    err(detail.isEmpty() ? text : text + QStringLiteral(" (") + detail + QLatin1Char(')'));
+    switch (flags & 7) {
+    case MB_YESNO:
+    case MB_YESNOCANCEL:
+        return ID_YES;
+    default:
+        return ID_OK;
+    }
+}
+
+// The host has no window; the controller's defaults already do nothing for the rest.
+class TerminalHost : public ConversionHost {
+public:
+    void Set_MainState(int state, bool enable) override {
+        (void)state;
+        (void)enable;
+    }
+    void Show_InputFileInfo(int row) override { (void)row; }
+};
+
+QString presetLine(const CatalogueTable& presets, qsizetype row) {
+    return Cell_Get(presets, row, QStringLiteral("Name")) + QStringLiteral(" | ") +
+           Cell_Get(presets, row, QStringLiteral("Maker")) + QStringLiteral(" | ") +
+           Cell_Get(presets, row, QStringLiteral("Keyword"));
+}
+
+bool isCustomRow(const CatalogueTable& presets, qsizetype row) {
+    return Cell_Get(presets, row, QStringLiteral("Name")).startsWith(QStringLiteral("[%"));
+}
+
+// Rows (1-based) matching the query as the preset search matches them; all rows for no query.
+QList<qsizetype> searchRows(const CatalogueTable& presets, const QString& query) {
+    QList<qsizetype> rows;
+    if (query.trimmed().isEmpty()) {
+        for (qsizetype row = 1; row <= presets.rowCount(); ++row)
+            if (!isCustomRow(presets, row)) rows << row;
+        return rows;
+    }
+    CatalogueTable view;
+    Search_Fill(presets, query, view);
+    // The view holds no row numbers; its three texts find the row again.
+    for (qsizetype hit = 0; hit < view.rowCount(); ++hit)
+        for (qsizetype row = 1; row <= presets.rowCount(); ++row)
+            if (Cell_Get(presets, row, QStringLiteral("Name")) == view.cell(hit, 0) &&
+                Cell_Get(presets, row, QStringLiteral("Maker")) == view.cell(hit, 1) &&
+                Cell_Get(presets, row, QStringLiteral("Keyword")) == view.cell(hit, 2) &&
+                !rows.contains(row)) {
+                rows << row;
+                break;
+            }
+    return rows;
+}
+
+// An exact name wins over the search; anything but one row is the caller's usage error.
+QList<qsizetype> resolvePreset(const CatalogueTable& presets, const QString& name) {
+    QList<qsizetype> exact;
+    for (qsizetype row = 1; row <= presets.rowCount(); ++row)
+        if (!isCustomRow(presets, row) &&
+            Cell_Get(presets, row, QStringLiteral("Name")).compare(name.trimmed(), Qt::CaseInsensitive) == 0)
+            exact << row;
+    return exact.isEmpty() ? searchRows(presets, name) : exact;
+}
+
+int panelOf(const QString& maker) {
+    if (maker == QLatin1String("VideoFormat")) return Panel_VideoFormats;
+    if (maker == QLatin1String("AudioFormat")) return Panel_AudioFormats;
+    if (maker == QLatin1String("WebFormat")) return Panel_WebFormats;
+    return Panel_Devices;
+}
+
+// Files of the inputs in the order given; folders walked recursively in name order. Missing paths
+// come back in `missing`.
+QStringList collectFiles(const QStringList& inputs, QStringList& missing) {
+    QStringList files;
+    for (const QString& input : inputs) {
+        const QFileInfo info(input);
+        if (info.isDir()) {
+            QStringList found;
+            QDirIterator walk(input, QDir::Files | QDir::Readable, QDirIterator::Subdirectories);
+            while (walk.hasNext()) {
+                const QString path = walk.next();
+                if (Is_SupportedName(path)) found << QFileInfo(path).absoluteFilePath();
+            }
+            found.sort();
+            files << found;
+        } else if (info.isFile()) {
+            if (Is_SupportedName(input))
+                files << info.absoluteFilePath();
+            else
+                err(QStringLiteral("skipped (unsupported type): ") + input);
+        } else {
+            missing << input;
+        }
+    }
+    return files;
+}
+
+QString bar(int percent) {
+    const int filled = qBound(0, percent, 100) / 5;
+    return QStringLiteral("[") + QString(filled, QLatin1Char('#')) + QString(20 - filled, QLatin1Char('-')) +
+           QStringLiteral("]");
+}
+
+// Prints progress when it changes: a redrawn line on a terminal, plain lines otherwise (every
+// 10 percent, so that a log stays short).
+class ProgressPrinter {
+public:
+    explicit ProgressPrinter(const FileViewMain& table) : m_table(table), m_tty(isatty(STDERR_FILENO) != 0) {
+        m_shown.fill(-1, table.rows());
+        m_status.resize(table.rows());
+    }
+
+    void update(const VideoConverter& converter) {
+        const int count = m_table.rows();
+        for (int r = 0; r < count; ++r) {
+            const RowProgress progress = m_table.progress(r);
+            const QString status = m_table.text(r, FileCol::Status).trimmed();
+            const QString prefix =
+                QStringLiteral("[%1/%2] %3 ").arg(r + 1).arg(count).arg(m_table.text(r, FileCol::FileName));
+            if (progress.active) {
+                const int step = m_tty ? progress.percent : progress.percent / 10 * 10;
+                if (step == m_shown[r]) continue;
+                m_shown[r] = step;
+                const QString total = QStringLiteral("  total %1%  %2")
+                                          .arg(converter.ProgressBar_Total.Maximum > 0
+                                                   ? converter.ProgressBar_Total.Value * 100 /
+                                                         converter.ProgressBar_Total.Maximum
+                                                   : 0)
+                                          .arg(Format_Seconds(converter.Elapsed_Seconds, false));
+                if (m_tty)
+                    live(prefix + bar(progress.percent) + QStringLiteral(" %1%").arg(progress.percent) +
+                         total);
+                else
+                    err(prefix + QStringLiteral("%1%").arg(step) + total);
+            } else if (!status.isEmpty() && status != m_status[r] && m_shown[r] >= 0) {
+                // The row has ended: its final word replaces the bar.
+                finishLive();
+                err(prefix + status);
+            }
+            m_status[r] = status;
+        }
+    }
+
+    void finishLive() {
+        if (m_liveOpen) std::fputs("\r\033[K", stderr);
+        m_liveOpen = false;
+    }
+
+private:
+    void live(const QString& text) {
+        std::fprintf(stderr, "\r\033[K%s", text.toLocal8Bit().constData());
+        std::fflush(stderr);
+        m_liveOpen = true;
+    }
+
+    const FileViewMain& m_table;
+    bool m_tty;
+    bool m_liveOpen = false;
+    QList<int> m_shown;
+    QStringList m_status;
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QCoreApplication app(argc, argv);
+    Set_MessageHandler(printMessage);
+
+    CliOptions options;
+    const QString program = QFileInfo(QString::fromLocal8Bit(argv[0])).fileName();
+    const QString problem = Cli_Parse(app.arguments().mid(1), options);
+    if (!problem.isEmpty()) {
+        err(program + QStringLiteral(": ") + problem);
+        err(QStringLiteral("Try '") + program + QStringLiteral(" --help'."));
+        return Exit_Usage;
+    }
+    if (options.help) {
+        out(Cli_HelpText(program));
+        return Exit_Done;
+    }
+    if (!Sub_Main()) return Exit_Failed;
+    if (options.version) {
+        out(PRODUCT_NAME + QLatin1Char(' ') + PRODUCT_VERSION);
+        return Exit_Done;
+    }
+    Load_Settings();
+
+    Catalogue catalogue;
+    Catalogue_Load(catalogue);
+    const CatalogueTable& presets = catalogue.ReportControl_PresetMain;
+
+    if (options.listPresets) {
+        const QList<qsizetype> rows = searchRows(presets, options.listQuery);
+        for (qsizetype row : rows)
+            out(presetLine(presets, row));
+        return rows.isEmpty() ? Exit_Failed : Exit_Done;
+    }
+
+    const QList<qsizetype> candidates = resolvePreset(presets, options.preset);
+    if (candidates.size() != 1) {
+        err(candidates.isEmpty()
+                ? QStringLiteral("no preset matches \"%1\"").arg(options.preset)
+                : QStringLiteral("\"%1\" matches %2 presets:").arg(options.preset).arg(candidates.size()));
+        for (qsizetype row : candidates)
+            err(QStringLiteral("  ") + presetLine(presets, row));
+        return Exit_Usage;
+    }
+    const qsizetype presetRow = candidates.first();
+    FormatSetting settings{catalogue};
+    OutputBrowser browser{catalogue, settings};
+    settings.Preset_Apply(presetRow);
+    browser.PanelActive = panelOf(Cell_Get(presets, presetRow, QStringLiteral("Maker")));
+    browser.mergeChecked = options.merge;
+    err(QStringLiteral("preset: ") + presetLine(presets, presetRow));
+
+    // Import: every file probed; refusals land in the report, kept apart because the end of the
+    // queue rebuilds the report from the list.
+    QStringList missing;
+    const QStringList files = collectFiles(options.inputs, missing);
+    FileViewMain table;
+    Report_Clear();
+    for (const QString& path : missing)
+        Report_Add(path, QStringLiteral("No such file or folder"));
+    {
+        auto decoder = Make_FFDecoder();
+        for (const QString& path : files)
+            Fill_Item(path, 0, table, *decoder);
+    }
+    const QList<ReportEntry> importFailures = Report_Entries();
+    Report_Clear();
+
+    const auto printReport = [&](const QList<ReportEntry>& entries) {
+        for (const ReportEntry& entry : entries)
+            err(QStringLiteral("failed: ") + entry.text + QStringLiteral(": ") + entry.second.trimmed());
+    };
+
+    if (table.rows() == 0) {
+        if (importFailures.isEmpty() && missing.isEmpty()) err(QStringLiteral("no supported files found"));
+        printReport(importFailures);
+        return Exit_Failed;
+    }
+
+    FFEncoderEngine engine;
+    TerminalHost host;
+    VideoConverter converter(table, settings, browser, engine, host, true);
+    converter.Txt_OutputPath = options.output.isEmpty() ? Path_Output : options.output;
+    if (options.nameMode >= 0) Output_NameMode = options.nameMode;
+    if (options.parallel > 0) {
+        converter.chkThreadMode = true;
+        converter.txtThreadCount = QString::number(options.parallel);
+    }
+
+    if (options.dryRun) {
+        for (int r = 0; r < table.rows(); ++r) {
+            const VideoConverter::RowJob job = converter.Prepare_Row(r);
+            out(QStringLiteral("input:     ") + job.inputPath);
+            out(QStringLiteral("seek:      ") + job.seek);
+            out(QStringLiteral("output:    ") + job.outputPath);
+            out(QStringLiteral("arguments: ") + job.arguments);
+            out(QString());
+        }
+        printReport(importFailures);
+        return importFailures.isEmpty() ? Exit_Done : Exit_Failed;
+    }
+
+    MergePipeline merge;
+    if (options.merge) {
+        merge.waitStep = [](int milliseconds) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
+        };
+        converter.Merge_Requested = [&] {
+            return merge.Merge_All(table, converter.Output_Folder(), browser.PanelActive);
+        };
+    }
+
+    std::signal(SIGINT, onInterrupt);
+    std::signal(SIGTERM, onInterrupt);
+    converter.Start();
+    if (converter.Get_ConversionState() == Conversion_Idle && !converter.Timer_ConversionElapsed()) {
+        // Start refused (its message is printed) or the queue ended at once.
+        bool anyDone = false;
+        for (int r = 0; r < table.rows(); ++r)
+            anyDone = anyDone || table.text(r, FileCol::Status).trimmed() == QLatin1String("Done");
+        if (!anyDone) {
+            printReport(importFailures + Report_Entries());
+            return Exit_Failed;
+        }
+    }
+
+    ProgressPrinter progress(table);
+    bool stopped = false;
+    while (converter.Get_ConversionState() != Conversion_Idle) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        if (interrupted && !stopped) {
+            stopped = true;
+            progress.finishLive();
+            err(QStringLiteral("stopping..."));
+            converter.Stop();
+        }
+        progress.update(converter);
+        QThread::msleep(20);
+    }
+    progress.update(converter);
+    progress.finishLive();
+
+    int done = 0;
+    for (int r = 0; r < table.rows(); ++r)
+        if (table.text(r, FileCol::Status).trimmed() == QLatin1String("Done")) ++done;
+    const QList<ReportEntry> failures = importFailures + Report_Entries();
+    printReport(failures);
+    const int notDone = table.rows() - done + static_cast<int>(importFailures.size());
+    err(QStringLiteral("%1 done, %2 not done, elapsed %3")
+            .arg(done)
+            .arg(notDone)
+            .arg(Format_Seconds(converter.Elapsed_Seconds, false)));
+    if (stopped) err(QStringLiteral("stopped"));
+    return notDone == 0 && !stopped ? Exit_Done : Exit_Failed;
+}

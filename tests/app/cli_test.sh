@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# The terminal front end as a script uses it: usage errors, preset lookup, a dry run, a real
+# conversion of generated clips and the report of a file that does not decode.
+set -u
+cli="$1"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" XDG_DATA_HOME="$work/home/.local/share"
+mkdir -p "$HOME"
+failures=0
+checks=0
+check() { # description, condition result
+    checks=$((checks + 1))
+    if [ "$2" -eq 0 ]; then echo "ok: $1"; else echo "FAILED: $1"; failures=$((failures + 1)); fi
+}
+preset="MP4 - MPEG-4 320 x 240 small"
+
+for n in 1 2; do
+    ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=160x120:rate=25:duration=1 \
+        -f lavfi -i sine=frequency=440:sample_rate=44100:duration=1 -c:v mpeg4 -c:a aac -shortest \
+        "$work/clip$n.mp4"
+done
+[ -s "$work/clip1.mp4" ] && [ -s "$work/clip2.mp4" ]; check "test clips generated" $?
+
+"$cli" --version >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && grep -Eq '^[^ ]+ [0-9]+\.[0-9]+' "$work/out"; check "--version prints name and version" $?
+"$cli" --help >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && grep -q -- "--preset" "$work/out" && grep -q -- "--dry-run" "$work/out"; check "--help lists the options" $?
+
+"$cli" --frobnicate 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q "frobnicate" "$work/err"; check "an unknown option is a usage error" $?
+"$cli" --parallel zero --preset "$preset" "$work/clip1.mp4" 2>/dev/null; [ $? -eq 2 ]
+check "a parallel count that is no number is a usage error" $?
+"$cli" --preset "$preset" 2>/dev/null; [ $? -eq 2 ]; check "no input is a usage error" $?
+"$cli" --preset "no such preset anywhere" "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q "no preset" "$work/err"; check "an unknown preset is a usage error" $?
+"$cli" --preset MP4 "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q "^  MP4 - .* | " "$work/err"; check "an ambiguous preset lists its candidates" $?
+
+"$cli" --list-presets "320 x 240" >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && grep -qx "$preset | VideoFormat | MP4" "$work/out" && ! grep -v "320 x 240" "$work/out" | grep -q .
+check "--list-presets QUERY lists only matching presets as Name | Maker | Keyword" $?
+
+"$cli" --preset "$preset" --output "$work/dry" --dry-run "$work/clip1.mp4" "$work/clip2.mp4" >"$work/out" 2>/dev/null
+rc=$?
+[ $rc -eq 0 ] && [ "$(grep -c '^arguments: .*-vcodec mpeg4' "$work/out")" -eq 2 ] &&
+    grep -q "^output: *$work/dry/clip2\." "$work/out" && grep -q "^seek:" "$work/out" && [ ! -e "$work/dry" ]
+check "--dry-run prints each item's arguments and creates nothing" $?
+
+mkdir -p "$work/in/sub"
+cp "$work/clip1.mp4" "$work/in/"
+cp "$work/clip2.mp4" "$work/in/sub/"
+echo "not media" >"$work/in/notes.txt"
+"$cli" --preset "$preset" --output "$work/out1" --parallel 2 "$work/in" 2>"$work/err"; rc=$?
+[ $rc -eq 0 ] && [ -s "$work/out1/clip1.MP4" ] && [ -s "$work/out1/clip2.MP4" ] && [ "$(ls "$work/out1" | wc -l)" -eq 2 ]
+check "a folder of two clips converts to two outputs" $?
+size=$(ffprobe -v error -select_streams v:0 -show_entries stream=width,height -of csv=p=0 "$work/out1/clip2.MP4")
+[ "$size" = "320,240" ]; check "the outputs have the preset's frame size" $?
+
+"$cli" --preset "$preset" --output "$work/out1" --rename "$work/clip1.mp4" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && [ "$(ls "$work/out1" | wc -l)" -eq 3 ]; check "--rename keeps the existing output" $?
+
+echo "plain text" >"$work/broken.mp4"
+"$cli" --preset "$preset" --output "$work/out2" "$work/broken.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "^failed: broken.mp4: " "$work/err"; check "a file that does not decode fails with its report line" $?
+
+passed=$((checks - failures))
+echo "$passed passed, $failures failed"
+[ "$failures" -eq 0 ]
