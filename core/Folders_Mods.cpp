@@ -101,9 +101,11 @@ QString Move_File(const QString& source, const QString& target) {
 }
 
 void Delete_File(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink()) return;
     QFile file(path);
-    if (!file.exists()) return;
-    file.setPermissions(file.permissions() | QFileDevice::WriteOwner);
+    // A link goes as it is: changing its permissions would change the file it points to.
+    if (!info.isSymLink()) file.setPermissions(file.permissions() | QFileDevice::WriteOwner);
     file.remove();
 }
 

@@ -101,9 +101,9 @@ protected:
             converter.Merge_Requested = [&] {
                 return merge.Merge_All(table, converter.Output_Folder(), browser.PanelActive);
             };
-        Output_NameMode = 1;
+        Output_NameMode = overwrite ? 0 : 1;
         converter.chkThreadMode = true;
-        converter.txtThreadCount = "2";
+        converter.txtThreadCount = overwrite ? "1" : "2";
         converter.Start();
         ASSERT_EQ(converter.Get_ConversionState(), Conversion_Converting)
             << messages.join('\n').toStdString();
@@ -115,8 +115,10 @@ protected:
             QThread::msleep(5);
         }
         ASSERT_EQ(converter.Get_ConversionState(), Conversion_Idle);
-        EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
-        EXPECT_EQ(host.completions, 1);
+        if (!overwrite) {
+            EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+            EXPECT_EQ(host.completions, 1);
+        }
         EXPECT_FALSE(converter.ProgressBar_Total.Visible);
         EXPECT_FALSE(converter.Timer_ConversionElapsed());
     }
@@ -129,6 +131,7 @@ protected:
     FileViewMain table;
     QuietHost host;
     bool merging = false;
+    bool overwrite = false;
     MergePipeline merge;
 };
 
@@ -175,4 +178,24 @@ TEST_F(ConversionJobMedia, ThreeClipsMergeIntoOneFileOfTheSummedLength) {
         Time_ToSeconds(Time_FromPair(reader->GetFileInfoDurationLow(), reader->GetFileInfoDurationHigh()));
     EXPECT_NEAR(seconds, 4.5, 0.15);
     EXPECT_EQ(reader->GetVideoInfosWidth(reader->FirstVideoStreamIndex()), 320);
+}
+
+TEST_F(ConversionJobMedia, AFullDiskStopsTheQueueWithItsMessage) {
+    // The second output lands on a device that is always full; overwriting keeps the name.
+    QDir().mkpath(dir.filePath("out"));
+    ASSERT_TRUE(QFile::link("/dev/full", dir.filePath("out/clip2.MP4")));
+    overwrite = true;
+    convert();
+    ASSERT_FALSE(messages.isEmpty());
+    EXPECT_TRUE(messages.last().startsWith("The disk in the destination folder is full."))
+        << messages.last().toStdString();
+    // The queue stops: the failing row and every row after it are canceled and their files deleted
+    // (the link with them, not the device it points to).
+    for (int r = 1; r < 3; ++r) {
+        EXPECT_EQ(table.text(r, FileCol::Status), "Canceled!") << r;
+        EXPECT_FALSE(QFileInfo(table.text(r, FileCol::ConvertedFileName)).exists()) << r;
+    }
+    EXPECT_FALSE(QFileInfo(dir.filePath("out/clip2.MP4")).isSymLink());
+    EXPECT_TRUE(QFileInfo::exists("/dev/full"));
+    EXPECT_EQ(host.completions, 0);
 }

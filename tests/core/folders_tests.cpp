@@ -146,3 +146,19 @@ TEST_F(FoldersTest, ClearTempPicturesTakesOnlyBitmaps) {
     Folder_Temp = home.path() + "/no-such-temp/";
     Clear_TempPictures();
 }
+
+TEST_F(FoldersTest, DeletingALinkLeavesItsTargetAlone) {
+    const QString target = home.path() + "/keep.txt";
+    touch(target);
+    QFile::setPermissions(target, QFileDevice::ReadOwner);
+    const QString link = home.path() + "/link.txt";
+    ASSERT_TRUE(QFile::link(target, link));
+    Delete_File(link);
+    EXPECT_FALSE(QFileInfo(link).isSymLink());
+    EXPECT_TRUE(QFileInfo::exists(target));
+    EXPECT_EQ(QFile::permissions(target) & QFileDevice::WriteOwner, QFileDevice::Permissions());
+    // A dangling link goes too.
+    ASSERT_TRUE(QFile::link(home.path() + "/nowhere", link));
+    Delete_File(link);
+    EXPECT_FALSE(QFileInfo(link).isSymLink());
+}
