@@ -39,6 +39,11 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
         } else if (name == QLatin1String("--preset")) {
             if (!takeValue(options.preset) || options.preset.trimmed().isEmpty())
                 return QStringLiteral("--preset needs a name");
+        } else if (name == QLatin1String("--set")) {
+            QString assignment;
+            const qsizetype at = takeValue(assignment) ? assignment.indexOf(QLatin1Char('=')) : -1;
+            if (at <= 0) return QStringLiteral("--set needs FIELD=VALUE");
+            options.sets.append({assignment.left(at).trimmed(), assignment.mid(at + 1).trimmed()});
         } else if (name == QLatin1String("--output") || name == QLatin1String("-o")) {
             if (!takeValue(options.output) || options.output.isEmpty())
                 return QStringLiteral("--output needs a folder");
@@ -74,21 +79,27 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
 }
 
 QString Cli_HelpText(const QString& program) {
-    return QStringLiteral("Usage: %1 [options] FILE|FOLDER...\n"
-                          "Converts video and audio files with a catalogue preset.\n"
-                          "\n"
-                          "  --preset NAME          the preset, by exact name or by search words\n"
-                          "  --output DIR           the output folder (default: the saved one)\n"
-                          "  --merge                join the converted files into one\n"
-                          "  --parallel N           convert N files at a time\n"
-                          "  --overwrite, --rename  what to do with an existing output file\n"
-                          "  --list-presets [QUERY] list presets as \"Name | Maker | Keyword\"\n"
-                          "  --dry-run              show what would run, convert nothing\n"
-                          "  --help                 show this text\n"
-                          "  --version              show the program version\n"
-                          "\n"
-                          "Folders are searched recursively for supported files.\n"
-                          "Exit status: 0 all converted, 1 some failed, 2 usage error.\n")
+    return QStringLiteral(
+               "Usage: %1 [options] FILE|FOLDER...\n"
+               "Converts video and audio files with a catalogue preset.\n"
+               "\n"
+               "  --preset NAME          the preset, by exact name or by search words\n"
+               "  --set FIELD=VALUE      change one value of the preset, e.g. frame-size=\"640 x 360\",\n"
+               "                         sample-rate=44100, video-bitrate=1500, quality=High;\n"
+               "                         fields: video-codec, frame-size, frame-rate, extension,\n"
+               "                         audio-codec, sample-rate, audio-bitrate, channels,\n"
+               "                         sample-size, aspect, video-bitrate, width, height, quality\n"
+               "  --output DIR           the output folder (default: the saved one)\n"
+               "  --merge                join the converted files into one\n"
+               "  --parallel N           convert N files at a time\n"
+               "  --overwrite, --rename  what to do with an existing output file\n"
+               "  --list-presets [QUERY] list presets as \"Name | Maker | Keyword\"\n"
+               "  --dry-run              show what would run, convert nothing\n"
+               "  --help                 show this text\n"
+               "  --version              show the program version\n"
+               "\n"
+               "Folders are searched recursively for supported files.\n"
+               "Exit status: 0 all converted, 1 some failed, 2 usage error.\n")
         .arg(program);
 }
 

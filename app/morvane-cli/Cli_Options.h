@@ -2,6 +2,8 @@
 // the parse rules stay small and readable.
 #pragma once
 
+#include <QList>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -10,7 +12,8 @@ namespace morvane {
 struct CliOptions {
     QStringList inputs; // files and folders, as given
     QString preset;
-    QString output; // empty: the saved output folder
+    QList<QPair<QString, QString>> sets; // --set FIELD=VALUE, in the order given
+    QString output;                      // empty: the saved output folder
     bool merge = false;
     int parallel = 0;  // 0: one at a time
     int nameMode = -1; // -1 the saved rule, 0 overwrite, 1 rename

@@ -4,6 +4,7 @@
 #include "CMD_MediaConvert.h"
 #include "Catalogue_Load.h"
 #include "Cli_Options.h"
+#include "Cli_Settings.h"
 #include "FFDecoder.h"
 #include "FFEncoderEngine.h"
 #include "FileList_Mods.h"
@@ -262,6 +263,13 @@ int main(int argc, char* argv[]) {
     FormatSetting settings{catalogue};
     OutputBrowser browser{catalogue, settings};
     settings.Preset_Apply(presetRow);
+    for (const auto& [field, value] : options.sets) {
+        const QString refusal = Cli_ApplySet(settings, field, value);
+        if (!refusal.isEmpty()) {
+            err(QStringLiteral("--set %1: %2").arg(field, refusal));
+            return Exit_Usage;
+        }
+    }
     browser.PanelActive = panelOf(Cell_Get(presets, presetRow, QStringLiteral("Maker")));
     browser.mergeChecked = options.merge;
     err(QStringLiteral("preset: ") + presetLine(presets, presetRow));

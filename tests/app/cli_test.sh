@@ -47,6 +47,17 @@ rc=$?
     grep -q "^output: *$work/dry/clip2\." "$work/out" && grep -q "^seek:" "$work/out" && [ ! -e "$work/dry" ]
 check "--dry-run prints each item's arguments and creates nothing" $?
 
+"$cli" --preset "$preset" --set frame-size="640 x 360" --set sample-rate=44100 --set quality=standard \
+    --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && grep -q "scale=640:360" "$work/out" && grep -q -- "-ar 44100 " "$work/out"
+check "--set changes values through the settings, with units optional" $?
+"$cli" --preset "$preset" --set sample-rate=12345 --dry-run "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q "choose one of: .*Hz" "$work/err"; check "--set with a value not offered lists the offered ones" $?
+"$cli" --preset "$preset" --set colour=red --dry-run "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q "unknown field" "$work/err"; check "--set with an unknown field is a usage error" $?
+"$cli" --preset "$preset" --set width=400 --set height=300 --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null
+[ $? -eq 0 ] && grep -q "scale=400:300" "$work/out"; check "--set width and height type into the boxes" $?
+
 mkdir -p "$work/in/sub"
 cp "$work/clip1.mp4" "$work/in/"
 cp "$work/clip2.mp4" "$work/in/sub/"

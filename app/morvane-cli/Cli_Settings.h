@@ -1,0 +1,17 @@
+// Changes of single output values on the command line, made through the preset settings as a click or
+// a typed number would make them, so that every dependent list follows and locks hold.
+#pragma once
+
+#include "FormatSetting.h"
+
+#include <QString>
+
+namespace morvane {
+
+// The field names --set takes, for the help text.
+QString Cli_SetFields();
+// Sets one field; "" on success, else why not (an unknown field, a value the preset does not offer,
+// listed with the values it does, or a value the preset locks).
+QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QString& value);
+
+} // namespace morvane
