@@ -48,7 +48,7 @@ void VideoConverter::taskEnded(int task, bool finished, bool failed, const QStri
         }
         if (task + 1 < m_table.rows()) {
             m_table.selectRow(task + 1);
-            m_host.Show_InputFileInfo(task + 1);
+            showInputFileInfo(task + 1);
         }
         m_host.Clear_HookOutput();
     }
@@ -75,7 +75,7 @@ void VideoConverter::taskEnded(int task, bool finished, bool failed, const QStri
             Set_RowState(m_table, task, true, State_Failed);
         }
         m_table.selectRow(task);
-        m_host.Show_InputFileInfo(task);
+        showInputFileInfo(task);
         m_host.Focus_List();
         m_host.Clear_HookOutput();
     }

@@ -32,11 +32,21 @@ VideoConverter::VideoConverter(FileViewMain& table, FormatSetting& settings, Out
                                EncoderEngine& encoder, ConversionHost& host, bool realTimer)
     : m_table(table), m_settings(settings), m_browser(browser), m_encoder(encoder), m_host(host) {
     m_encoder.SetListener(this);
+    m_encoder.SetVideoHook([this](int width, int height, int bytesPerLine, std::uint8_t* bits) {
+        Hook_OutputFrame(m_hookEffects, width, height, bytesPerLine, bits);
+    });
+    m_encoder.SetVideoHookActive([this] { return m_hookEffects.Active(); });
     if (realTimer) {
         m_timer = std::make_unique<QTimer>();
         m_timer->setInterval(1000);
         QObject::connect(m_timer.get(), &QTimer::timeout, [this] { Timer_ConversionElapsed_Tick(); });
     }
+}
+
+void VideoConverter::showInputFileInfo(int row) {
+    m_host.Show_InputFileInfo(row);
+    // The row the panel shows is the row whose effects the frames get.
+    m_hookEffects.Publish(row >= 0 && row < m_table.rows() ? m_table.text(row, FileCol::Filters) : QString());
 }
 
 VideoConverter::~VideoConverter() {
@@ -181,7 +191,7 @@ void VideoConverter::Start() {
     m_encoder.ClearTasks();
     m_host.Clear_Preview();
     m_encoder.SetPreviewEnabled(Preview_Enabled);
-    m_host.Show_InputFileInfo(m_table.selectedRows().isEmpty() ? -1 : m_table.selectedRows().first());
+    showInputFileInfo(m_table.selectedRows().isEmpty() ? -1 : m_table.selectedRows().first());
 
     for (int r = 0; r < m_table.rows(); ++r)
         Set_RowState(m_table, r, true, State_Ready); // also clears the status text and the failure text
@@ -299,7 +309,7 @@ void VideoConverter::Stop() {
     if (m_table.rows() > 0) {
         const int row = std::min(std::max(job, 0), m_table.rows() - 1);
         m_table.selectRow(row);
-        m_host.Show_InputFileInfo(row);
+        showInputFileInfo(row);
     }
 }
 

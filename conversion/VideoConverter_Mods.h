@@ -10,6 +10,7 @@
 #include "EncoderEngine.h"
 #include "FileViewMain.h"
 #include "FormatSetting.h"
+#include "Hook_OutputFrame.h"
 #include "Make_EncoderArgs.h"
 #include "OutputBrowser.h"
 
@@ -189,6 +190,8 @@ private:
     void taskEnded(int task, bool finished, bool failed, const QString& message);
     void queueEnded();
     void postConversion();
+    // Shows the row in the information panel and hands its effects to the frame hook.
+    void showInputFileInfo(int row);
 
     FileViewMain& m_table;
     FormatSetting& m_settings;
@@ -198,6 +201,7 @@ private:
     std::unique_ptr<QTimer> m_timer; // only with a real timer
     bool m_elapsedOn = false;
     bool m_waitOpen = false;
+    HookEffects m_hookEffects; // read by the encoder's worker threads
 };
 
 } // namespace morvane

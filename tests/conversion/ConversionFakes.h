@@ -68,8 +68,10 @@ public:
         return n;
     }
     void SetPreviewEnabled(bool enabled) override { calls << QStringLiteral("Preview %1").arg(enabled); }
-    void SetVideoHook(VideoHook hook) override { (void)hook; }
-    void SetVideoHookActive(VideoHookActive active) override { (void)active; }
+    void SetVideoHook(VideoHook hook) override { videoHook = std::move(hook); }
+    void SetVideoHookActive(VideoHookActive active) override { hookActive = std::move(active); }
+    VideoHook videoHook;
+    VideoHookActive hookActive;
 
     void progress(int task, qint64 position, qint64 duration) {
         Listener()->OnProgress(task, position, duration);

@@ -623,3 +623,20 @@ TEST_F(JobTest, ElapsedTimeCountsTicksAndHoldsWhilePaused) {
     converter.Timer_ConversionElapsed_Tick();
     EXPECT_EQ(converter.Status_Header, "Elapsed: 00:00:01");
 }
+
+TEST_F(JobTest, TheHookGetsTheEffectsOfTheRowOnShow) {
+    addRows(2);
+    table.setText(1, FileCol::Filters, "Invert:1");
+    ASSERT_TRUE(encoder.videoHook);
+    ASSERT_TRUE(encoder.hookActive);
+    EXPECT_FALSE(encoder.hookActive()); // nothing shown yet: no effects, frames skip the hook
+    table.selectRow(0);
+    converter.Start();
+    EXPECT_FALSE(encoder.hookActive()); // row 0 has no effects
+    std::vector<std::uint8_t> frame(4 * 4 * 4, 77);
+    encoder.videoHook(4, 4, 16, frame.data());
+    EXPECT_EQ(frame, std::vector<std::uint8_t>(4 * 4 * 4, 77));
+    // The end of row 0 shows row 1, and with it row 1's effects reach the hook.
+    encoder.terminate(0, true, false, "");
+    EXPECT_TRUE(encoder.hookActive());
+}
