@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-    cmake ninja-build g++ pkg-config git clang-format
+    cmake ninja-build g++ pkg-config git clang-format python3
     qt6-base-dev qt6-svg-dev qt6-qpa-plugins libgl-dev
     libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libswresample-dev libavutil-dev
     libmpv-dev ffmpeg
