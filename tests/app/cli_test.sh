@@ -75,6 +75,15 @@ echo "plain text" >"$work/broken.mp4"
 "$cli" --preset "$preset" --output "$work/out2" "$work/broken.mp4" 2>"$work/err"; rc=$?
 [ $rc -eq 1 ] && grep -q "^failed: broken.mp4: " "$work/err"; check "a file that does not decode fails with its report line" $?
 
+# Ctrl-C stops as the Stop button does: the unfinished output is deleted and the run counts as failed.
+ffmpeg -nostdin -v error -y -f lavfi -i testsrc2=size=640x360:rate=25:duration=60 -c:v mpeg4 "$work/long.mp4"
+"$cli" --preset "$preset" --output "$work/out3" "$work/long.mp4" 2>/dev/null &
+pid=$!
+for _ in $(seq 50); do [ -s "$work/out3/long.MP4" ] && break; sleep 0.1; done
+kill -INT "$pid"
+wait "$pid"; rc=$?
+[ $rc -eq 1 ] && [ ! -e "$work/out3/long.MP4" ]; check "Ctrl-C stops the run and deletes the unfinished output" $?
+
 passed=$((checks - failures))
 echo "$passed passed, $failures failed"
 [ "$failures" -eq 0 ]
