@@ -102,13 +102,7 @@ bool FFEncoder::Start(int tasksAtOnce) {
 
     const int workers = std::min<int>(std::max(1, tasksAtOnce), static_cast<int>(run->jobs.size()));
     if (workers == 0) {
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                m_running = false;
-                emit OnTerminate(-1, false, false, QString());
-            },
-            Qt::QueuedConnection);
+        postQueueEnd();
         return true;
     }
     run->codecThreads = m_codecThreads;
@@ -157,14 +151,18 @@ void FFEncoder::workerLoop(std::shared_ptr<Run> run) {
     }
     // Every other worker has posted its last event before its decrement, so -1 comes after them all.
     if (--run->active == 0) {
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                m_running = false;
-                emit OnTerminate(-1, false, false, QString());
-            },
-            Qt::QueuedConnection);
+        postQueueEnd();
     }
+}
+
+void FFEncoder::postQueueEnd() {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_running = false;
+            emit OnTerminate(-1, false, false, QString());
+        },
+        Qt::QueuedConnection);
 }
 
 void FFEncoder::Pause() {

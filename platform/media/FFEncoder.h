@@ -83,6 +83,8 @@ signals:
     void OnPreviewBitmap(int task, int width, int height, const QByteArray& bgra);
 
 private:
+    // The final event of the queue (task -1), queued behind every task's own.
+    void postQueueEnd();
     struct Task;
     struct Run;
     void workerLoop(std::shared_ptr<Run> run);

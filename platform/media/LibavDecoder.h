@@ -24,6 +24,7 @@
 #pragma once
 
 #include "FFDecoder.h"
+#include "LibavHandles.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -36,27 +37,11 @@ extern "C" {
 
 namespace morvane {
 
-struct FormatContextCloser {
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct CodecContextFreer {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct SwsContextFreer {
-    void operator()(SwsContext* context) const { sws_freeContext(context); }
-};
-
-using FormatContextPtr = std::unique_ptr<AVFormatContext, FormatContextCloser>;
-using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextFreer>;
-using FramePtr = std::unique_ptr<AVFrame, FrameFreer>;
-using PacketPtr = std::unique_ptr<AVPacket, PacketFreer>;
-using SwsContextPtr = std::unique_ptr<SwsContext, SwsContextFreer>;
+using FormatContextPtr = libav::InputPtr;
+using CodecContextPtr = libav::CodecPtr;
+using FramePtr = libav::FramePtr;
+using PacketPtr = libav::PacketPtr;
+using SwsContextPtr = libav::SwsPtr;
 
 class LibavDecoder final : public FFDecoder {
 public:

@@ -1,6 +1,6 @@
 #include "Transcoder.h"
 
-#include "EncoderLibav.h"
+#include "LibavHandles.h"
 
 extern "C" {
 #include <libavfilter/buffersink.h>

@@ -5,8 +5,8 @@
 // With MORVANE_CONFORMANCE_SUBSET set in the environment the table runs a representative subset, one
 // row per family of encoders, for slow builds. The whole table takes about 10 s in a Debug build and
 // about as long under AddressSanitizer (the FFmpeg libraries themselves are not instrumented).
-#include "EncoderLibav.h"
 #include "FFEncoder.h"
+#include "LibavHandles.h"
 #include "Make_EncoderArgs.h"
 #include "Transcoder.h"
 

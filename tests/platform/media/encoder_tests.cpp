@@ -1,7 +1,7 @@
 // The engine on clips that the ffmpeg program makes at test time; properties read back with libavformat.
-#include "EncoderLibav.h"
 #include "FFEncoder.h"
 #include "FFLogger.h"
+#include "LibavHandles.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>

@@ -1,4 +1,4 @@
-// Owning handles for the libav objects of the encoder engine, and the error text helper.
+// Owning handles for the libav objects of the reader and the encoder engine, and the error text helper.
 #pragma once
 
 extern "C" {
