@@ -290,7 +290,7 @@ void VideoConverter::Stop() {
     ProgressBar_Total.Value = 0;
     ProgressBar_Total.Text.clear();
     ProgressBar_Total.Scrolling = Scrolling_Normal;
-    m_host.Set_MainState(0, true);
+    m_host.Set_MainState(0, m_table.rows() > 0); // in state 0 the flag says whether the list has items
     Current_Job = -1;
     m_encoder.ClearTasks();
     letMessagesThrough();

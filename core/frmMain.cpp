@@ -1,7 +1,508 @@
 #include "frmMain.h"
 
+#include "Catalogue_Load.h"
+#include "FFEncoderEngine.h"
+#include "FileListView.h"
+#include "FileList_Mods.h"
+#include "Globals.h"
+#include "Registry_Mod.h"
+#include "Skin_Icons.h"
+#include "frmMain_Host.h"
+#include "frmReportList.h"
+#include "frmWait.h"
+#include "mMain.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+
 namespace morvane {
 
-frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {}
+namespace {
+
+// The converter's events reach the views through this: the converter first, then a refresh.
+class EventRelay : public EncoderListener {
+public:
+    EventRelay(EncoderListener& target, std::function<void()> after)
+        : m_target(target), m_after(std::move(after)) {}
+    void OnProgress(int task, qint64 positionUs, qint64 durationUs) override {
+        m_target.OnProgress(task, positionUs, durationUs);
+        m_after();
+    }
+    void OnTerminate(int task, bool finished, bool failed, const QString& message) override {
+        m_target.OnTerminate(task, finished, failed, message);
+        m_after();
+    }
+    void OnPreviewBitmap(int task, int width, int height, const QByteArray& bgra) override {
+        m_target.OnPreviewBitmap(task, width, height, bgra);
+    }
+
+private:
+    EncoderListener& m_target;
+    std::function<void()> m_after;
+};
+
+// Twips of the button widths, at the usual 15 twips to a pixel.
+int twipsToPixels(int twips) {
+    return twips / 15;
+}
+
+QPushButton* makeButton(const QString& text, const QString& role, const QString& tip) {
+    auto* button = new QPushButton(text);
+    if (!role.isEmpty()) button->setIcon(Skin_Icon(role));
+    button->setToolTip(tip);
+    button->setIconSize(QSize(20, 20));
+    button->setCursor(Qt::PointingHandCursor);
+    return button;
+}
+
+QFrame* makePanel(const QString& name) {
+    auto* panel = new QFrame;
+    panel->setObjectName(name);
+    panel->setFrameShape(QFrame::StyledPanel);
+    return panel;
+}
+
+} // namespace
+
+frmMain::frmMain(MainSeams seams, std::unique_ptr<EncoderEngine> engine, std::unique_ptr<FFDecoder> decoder,
+                 QWidget* parent)
+    : QMainWindow(parent), m_seams(std::move(seams)), m_engine(std::move(engine)),
+      m_decoder(std::move(decoder)) {
+    if (!m_engine) m_engine = std::make_unique<FFEncoderEngine>();
+    if (!m_decoder) m_decoder = Make_FFDecoder();
+    m_host = std::make_unique<Host>(*this);
+    m_converter = std::make_unique<VideoConverter>(m_table, m_settings, m_browser, *m_engine, *m_host, false);
+    m_events = std::make_unique<EventRelay>(*m_converter, [this] { syncConversionViews(); });
+    m_engine->SetListener(m_events.get());
+    m_browser.fileListHasRecords = [this] { return m_table.rows() > 0; };
+    m_merge.waitStep = [](int milliseconds) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
+    };
+    m_merge.showWait = [this](bool show) { m_host->Merge_Wait(show); };
+    m_converter->Merge_Requested = [this] {
+        return m_merge.Merge_All(m_table, m_converter->Output_Folder(), m_browser.PanelActive);
+    };
+
+    Timer_StartUp.setInterval(200);
+    Timer_StartUp.setSingleShot(true);
+    Timer_ConversionElapsed.setInterval(1000);
+
+    buildWindow();
+    buildMenus();
+    setupConnections();
+    m_report = new frmReportList(this);
+    Set_ReportSink(m_report);
+}
+
+frmMain::~frmMain() {
+    Set_ReportSink(nullptr);
+    m_engine->SetListener(nullptr);
+    m_engine->Stop(true);
+}
+
+// ---- Layout.
+
+void frmMain::buildWindow() {
+    setObjectName(QStringLiteral("frmMain"));
+    setMinimumSize(960, 640);
+    resize(1280, 800);
+
+    auto* central = new QWidget;
+    auto* outer = new QVBoxLayout(central);
+    outer->setContentsMargins(12, 10, 12, 12);
+    outer->setSpacing(10);
+    outer->addWidget(buildToolbar());
+
+    m_list = new FileListView(m_table);
+    m_list->setObjectName(QStringLiteral("FileViewMain"));
+    m_list->setIdleTest([this] { return Get_ConversionState() == Conversion_Idle; });
+    m_list->setStateIcons([](int image) { return Skin_StateIcon(image); });
+    m_list->setDropHint(Skin_Picture(QStringLiteral("img_dragmedia"), QSize(320, 200)));
+
+    auto* split = new QSplitter(Qt::Horizontal);
+    split->addWidget(m_list);
+    split->addWidget(buildInfoPanel());
+    split->setStretchFactor(0, 1);
+    split->setStretchFactor(1, 0);
+    split->setChildrenCollapsible(false);
+    split->setSizes({900, 320});
+    outer->addWidget(split, 1);
+    outer->addWidget(buildOutputPanel());
+    outer->addWidget(buildBottomBar());
+    setCentralWidget(central);
+}
+
+QWidget* frmMain::buildToolbar() {
+    auto* bar = new QWidget;
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(6);
+    struct Def {
+        int index;
+        const char* text;
+        const char* role;
+        const char* tip;
+    };
+    const Def defs[] = {
+        {Btn_Add, "Add Files", "img_addfile", "Add video files to the list (Ctrl+O)"},
+        {Btn_Remove, "Remove", "img_removefile", "Remove the selected files (Delete)"},
+        {Btn_RemoveAll, "Clear", "img_clearall", "Remove all files (Shift+Delete)"},
+        {Btn_Edit, "Edit", "img_edit", "Trim, crop and adjust the selected file"},
+        {Btn_Disc, "DVD", "img_add_dvd", "Add the titles of a DVD"},
+        {Btn_Rename, "Rename", "img_rename_all", "Rename the output files"},
+    };
+    for (const Def& d : defs) {
+        QPushButton* b =
+            makeButton(QString::fromLatin1(d.text), QString::fromLatin1(d.role), QString::fromLatin1(d.tip));
+        b->setObjectName(QStringLiteral("Cmd_FileListView_%1").arg(d.index));
+        Cmd_FileListView[d.index] = b;
+        row->addWidget(b);
+    }
+    // The edit window, the disc source and the rename menu come with their own windows.
+    for (int index : {Btn_Edit, Btn_Disc, Btn_Rename})
+        Cmd_FileListView[index]->hide();
+    row->addStretch(1);
+
+    auto* menuButton = new QToolButton;
+    menuButton->setObjectName(QStringLiteral("Cmd_Menu"));
+    menuButton->setIcon(Skin_Icon(QStringLiteral("img_menu")));
+    menuButton->setIconSize(QSize(22, 22));
+    menuButton->setToolTip(QStringLiteral("Menu"));
+    menuButton->setPopupMode(QToolButton::InstantPopup);
+    menuButton->setAutoRaise(true);
+    mnuMenu = new QMenu(this);
+    menuButton->setMenu(mnuMenu);
+    row->addWidget(menuButton);
+    return bar;
+}
+
+QWidget* frmMain::buildInfoPanel() {
+    QFrame* panel = makePanel(QStringLiteral("Pic_InputInfo"));
+    panel->setMinimumWidth(280);
+    auto* column = new QVBoxLayout(panel);
+    column->setContentsMargins(12, 12, 12, 12);
+    column->setSpacing(8);
+
+    picPreview = new QLabel;
+    picPreview->setObjectName(QStringLiteral("picPreview"));
+    picPreview->setAlignment(Qt::AlignCenter);
+    picPreview->setFixedHeight(180);
+    picPreview->setMinimumWidth(240);
+    picPreview->setStyleSheet(
+        QStringLiteral("QLabel#picPreview { background: #1e1e1e; border-radius: 6px; }"));
+    picPreview->setContextMenuPolicy(Qt::CustomContextMenu);
+    column->addWidget(picPreview);
+
+    Cmd_PlayPreview = new QToolButton(picPreview);
+    Cmd_PlayPreview->setObjectName(QStringLiteral("Cmd_PlayPreview"));
+    Cmd_PlayPreview->setIcon(Skin_Icon(QStringLiteral("img_player_play")));
+    Cmd_PlayPreview->setIconSize(QSize(32, 32));
+    Cmd_PlayPreview->setAutoRaise(true);
+    Cmd_PlayPreview->hide();
+
+    auto* title = new QLabel(QStringLiteral("Input file"));
+    QFont titleFont = title->font();
+    titleFont.setBold(true);
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.1);
+    title->setFont(titleFont);
+    column->addWidget(title);
+
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(12);
+    grid->setVerticalSpacing(5);
+    for (int i = 0; i < kInfoEntries; ++i) {
+        auto* caption = new QLabel(Info_Captions()[i]);
+        caption->setForegroundRole(QPalette::PlaceholderText);
+        auto* value = new QLabel;
+        value->setObjectName(QStringLiteral("lbl_InputFileValue_%1").arg(i));
+        value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        value->setWordWrap(i == Info_FileName);
+        value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        lbl_InputFileValue[i] = value;
+        grid->addWidget(caption, i, 0, Qt::AlignTop);
+        grid->addWidget(value, i, 1);
+    }
+    grid->setColumnStretch(1, 1);
+    column->addLayout(grid);
+    column->addStretch(1);
+    return panel;
+}
+
+QWidget* frmMain::buildOutputPanel() {
+    QFrame* panel = makePanel(QStringLiteral("Pic_Output"));
+    auto* row = new QHBoxLayout(panel);
+    row->setContentsMargins(12, 8, 12, 8);
+    row->setSpacing(8);
+    auto* caption = new QLabel(QStringLiteral("Output format:"));
+    QFont bold = caption->font();
+    bold.setBold(true);
+    caption->setFont(bold);
+    row->addWidget(caption);
+
+    Cmd_OutputPanel = new QComboBox;
+    Cmd_OutputPanel->setObjectName(QStringLiteral("Cmd_PanelOutput"));
+    for (const char* name : {"Video Formats", "Devices", "Audio Formats", "Web Formats"})
+        Cmd_OutputPanel->addItem(QString::fromLatin1(name));
+    row->addWidget(Cmd_OutputPanel);
+
+    ListBox_MakerNames = new QComboBox;
+    ListBox_MakerNames->setObjectName(QStringLiteral("ListBox_MakerNames"));
+    ListBox_MakerNames->setToolTip(QStringLiteral("Maker"));
+    for (const ValueListItem& maker : m_browser.ListBox_MakerNames.items())
+        ListBox_MakerNames->addItem(maker.text);
+    ListBox_MakerNames->hide();
+    row->addWidget(ListBox_MakerNames);
+
+    Cmd_OutputGroup = new QComboBox;
+    Cmd_OutputGroup->setObjectName(QStringLiteral("Cmd_OutoutFormat"));
+    Cmd_OutputGroup->setMinimumWidth(170);
+    Cmd_OutputGroup->setToolTip(QStringLiteral("Format group"));
+    row->addWidget(Cmd_OutputGroup);
+
+    Cmd_OutputPreset = new QComboBox;
+    Cmd_OutputPreset->setObjectName(QStringLiteral("Cmd_OutputPreset"));
+    Cmd_OutputPreset->setMinimumWidth(320);
+    Cmd_OutputPreset->setToolTip(QStringLiteral("Preset"));
+    row->addWidget(Cmd_OutputPreset, 1);
+
+    lbl_OutputSummary = new QLabel;
+    lbl_OutputSummary->setObjectName(QStringLiteral("lbl_OutputSummary"));
+    lbl_OutputSummary->setForegroundRole(QPalette::PlaceholderText);
+    row->addWidget(lbl_OutputSummary, 1);
+
+    for (auto [index, role, tip] : {std::tuple{Btn_Favorite, "img_favorite_off", "Add to favorites tab"},
+                                    std::tuple{Btn_Search, "img_search_format", "Search presets"},
+                                    std::tuple{Btn_Settings, "img_setting", "Preset settings"}}) {
+        QPushButton* b = makeButton(QString(), QString::fromLatin1(role), QString::fromLatin1(tip));
+        b->setObjectName(QStringLiteral("Cmd_FileListView_%1").arg(index));
+        Cmd_FileListView[index] = b;
+        row->addWidget(b);
+        b->hide(); // the catalogue windows bring these
+    }
+    return panel;
+}
+
+QWidget* frmMain::buildBottomBar() {
+    auto* bar = new QWidget;
+    auto* grid = new QGridLayout(bar);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(8);
+
+    grid->addWidget(new QLabel(QStringLiteral("Output folder:")), 0, 0);
+    Txt_OutputPath = new QLineEdit;
+    Txt_OutputPath->setObjectName(QStringLiteral("Txt_OutputPath"));
+    Txt_OutputPath->setClearButtonEnabled(false);
+    grid->addWidget(Txt_OutputPath, 0, 1);
+    Cmd_FileListView[Btn_BrowseOutput] = makeButton(QStringLiteral("Browse..."), QStringLiteral("img_browse"),
+                                                    QStringLiteral("Choose the output folder"));
+    Cmd_FileListView[Btn_OpenOutput] =
+        makeButton(QStringLiteral("Open"), QString(), QStringLiteral("Open the output folder"));
+    Cmd_FileListView[Btn_OpenOutput]->setIcon(
+        QIcon::fromTheme(QStringLiteral("folder-open"), Skin_Icon(QStringLiteral("img_browse"))));
+    auto* folderButtons = new QHBoxLayout;
+    folderButtons->addWidget(Cmd_FileListView[Btn_BrowseOutput]);
+    folderButtons->addWidget(Cmd_FileListView[Btn_OpenOutput]);
+    grid->addLayout(folderButtons, 0, 2);
+
+    Chk_Merge = new QCheckBox(QStringLiteral("Merge into one file"));
+    Chk_Merge->setObjectName(QStringLiteral("Chk_Merge"));
+    grid->addWidget(Chk_Merge, 1, 0);
+    ProgressBar_Total = new QProgressBar;
+    ProgressBar_Total->setObjectName(QStringLiteral("ProgressBar_Total"));
+    ProgressBar_Total->setTextVisible(true);
+    ProgressBar_Total->setMinimumHeight(28);
+    ProgressBar_Total->hide();
+    grid->addWidget(ProgressBar_Total, 1, 1);
+
+    Cmd_FileListView[Btn_Stop] =
+        makeButton(QStringLiteral("Stop"), QStringLiteral("img_stop"), QStringLiteral("Stop the conversion"));
+    Cmd_FileListView[Btn_Convert] = makeButton(QStringLiteral("Convert Now"), QString(),
+                                               QStringLiteral("Convert all files (Ctrl+Return)"));
+    Cmd_FileListView[Btn_Convert]->setDefault(true);
+    Cmd_FileListView[Btn_Convert]->setMinimumHeight(40);
+    Cmd_FileListView[Btn_Stop]->setMinimumHeight(40);
+    QFont big = Cmd_FileListView[Btn_Convert]->font();
+    big.setBold(true);
+    big.setPointSizeF(big.pointSizeF() * 1.15);
+    Cmd_FileListView[Btn_Convert]->setFont(big);
+    Cmd_FileListView[Btn_Convert]->setStyleSheet(QStringLiteral(
+        "QPushButton { background: #007AFF; color: white; border-radius: 6px; padding: 6px 18px; }"
+        "QPushButton:disabled { background: #9cc6f5; color: #eef5ff; }"
+        "QPushButton:hover { background: #1a88ff; }"));
+    auto* runButtons = new QHBoxLayout;
+    runButtons->addWidget(Cmd_FileListView[Btn_Stop]);
+    runButtons->addWidget(Cmd_FileListView[Btn_Convert]);
+    grid->addLayout(runButtons, 1, 2);
+    grid->setColumnStretch(1, 1);
+
+    for (int index : {Btn_BrowseOutput, Btn_OpenOutput, Btn_Stop, Btn_Convert})
+        Cmd_FileListView[index]->setObjectName(QStringLiteral("Cmd_FileListView_%1").arg(index));
+    return bar;
+}
+
+QPushButton* frmMain::button(int index) const {
+    return index >= 0 && index < Btn_Count ? Cmd_FileListView[index] : nullptr;
+}
+
+QAction* frmMain::menuEntry(int index) const {
+    return index >= 0 && index < static_cast<int>(m_menuEntries.size()) ? m_menuEntries[index] : nullptr;
+}
+
+// ---- Load.
+
+void frmMain::Form_Load(const QStringList& arguments) {
+    if (!arguments.isEmpty()) TxtCommand_FirstTime = arguments.first();
+    setWindowTitle(COMPANY_NAME + QLatin1Char(' ') + PRODUCT_NAME);
+    Load_Settings();
+    Txt_OutputPath->setText(Path_Output);
+    m_converter->Txt_OutputPath = Path_Output;
+
+    Catalogue_Load(m_catalogue);
+    Set_MainState(MainState_Empty, false);
+
+    m_menuEntries[9]->trigger(); // the preview starts on: entry 9 toggles it from off
+    loadBrowser();
+    Show_InputFileInfo(-1);
+
+    Test_Running = false;
+    Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinTagInfo"), QString());
+    Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinInfo"), QString());
+
+    Set_ConvertButton(Conversion_Idle);
+    Msg_Trail.clear();
+    m_converter->Shutdown_After = 0;
+    Closing = false;
+    m_list->setDropHintVisible(false);
+
+    Cmd_FileListView[Btn_Add]->setEnabled(false);
+    Timer_StartUp.start();
+}
+
+void frmMain::Timer_StartUp_Tick() {
+    Timer_StartUp.stop();
+    if (!TxtCommand_FirstTime.isEmpty()) {
+        importFiles(TxtCommand_FirstTime);
+    } else {
+        // A moment on top brings the window to the front.
+        raise();
+        activateWindow();
+        QCoreApplication::processEvents();
+    }
+    Cmd_FileListView[Btn_Add]->setEnabled(true);
+    m_startUpDone = true;
+}
+
+// ---- State.
+
+void frmMain::Set_MainState(int state, bool enable) {
+    m_mainState = state;
+    m_mainEnable = enable;
+    MainStateContext context;
+    context.favoritesPanelOpen = m_browser.PanelActive == Panel_Favorites;
+    context.favoritesEmpty = m_catalogue.ReportControl_FavoritesMain.rowCount() == 0;
+    applyMainState(Main_StateRule(state, enable, context));
+}
+
+void frmMain::applyMainState(const MainStateView& v) {
+    for (int entry : {1, 6, 7, 13})
+        if (m_menuEntries[entry]) m_menuEntries[entry]->setEnabled(v.menuGroup);
+    m_list->setDropHintVisible(v.dragDropVisible);
+    for (int i = 0; i < Btn_Count; ++i)
+        if (Cmd_FileListView[i] && v.buttons[i]) Cmd_FileListView[i]->setEnabled(*v.buttons[i]);
+    if (v.groupA) {
+        for (QWidget* w : {static_cast<QWidget*>(Cmd_OutputPanel), static_cast<QWidget*>(Cmd_OutputGroup),
+                           static_cast<QWidget*>(Cmd_OutputPreset), static_cast<QWidget*>(Txt_OutputPath),
+                           static_cast<QWidget*>(Chk_Merge)})
+            w->setEnabled(*v.groupA);
+    }
+    m_browser.ListBox_MakerNames.enabled = v.makerNames;
+    ListBox_MakerNames->setEnabled(v.makerNames);
+    m_list->setEnabled(v.fileView);
+    ProgressBar_Total->setEnabled(v.progressTotal);
+    syncConversionViews();
+}
+
+void frmMain::Set_ConvertButton(int state) {
+    m_converter->Set_ConvertButton(state);
+    syncConversionViews();
+}
+
+void frmMain::syncConversionViews() {
+    const ConvertButton& c = m_converter->Cmd_Convert;
+    QPushButton* convert = Cmd_FileListView[Btn_Convert];
+    convert->setText(c.Caption);
+    convert->setIcon(Skin_StoreIcon(c.Icon));
+    convert->setFixedWidth(twipsToPixels(c.Width));
+    if (!c.Enabled) convert->setEnabled(false);
+    if (!m_converter->Cmd_StopEnabled) Cmd_FileListView[Btn_Stop]->setEnabled(false);
+
+    const TotalProgressBar& t = m_converter->ProgressBar_Total;
+    ProgressBar_Total->setVisible(t.Visible);
+    if (t.Scrolling == Scrolling_Marquee) {
+        ProgressBar_Total->setRange(0, 0);
+    } else {
+        ProgressBar_Total->setRange(0, std::max(t.Maximum, 1));
+        ProgressBar_Total->setValue(std::clamp(t.Value, 0, std::max(t.Maximum, 1)));
+    }
+    ProgressBar_Total->setFormat(t.Text);
+    m_table.setHeaderCaption(FileCol::Status, m_converter->Status_Header);
+
+    // The timer of the header follows the converter's switch.
+    if (m_converter->Timer_ConversionElapsed() != Timer_ConversionElapsed.isActive()) {
+        if (m_converter->Timer_ConversionElapsed())
+            Timer_ConversionElapsed.start();
+        else
+            Timer_ConversionElapsed.stop();
+    }
+}
+
+void frmMain::Timer_ConversionElapsed_Tick() {
+    if (!m_converter->Timer_ConversionElapsed()) {
+        Timer_ConversionElapsed.stop();
+        return;
+    }
+    m_converter->Timer_ConversionElapsed_Tick();
+    syncConversionViews();
+}
+
+void frmMain::Show_InputFileInfo(int row) {
+    const InfoTexts texts = row < 0 ? Info_Empty() : Info_Texts(m_table, row);
+    for (int i = 0; i < kInfoEntries; ++i) {
+        lbl_InputFileValue[i]->setText(texts[i]);
+        lbl_InputFileValue[i]->setToolTip(texts[i]);
+    }
+    if (row < 0) {
+        Info_Row = 0;
+        Cmd_PlayPreview->hide();
+        picPreview->clear();
+        return;
+    }
+    Info_Row = row;
+    const QString thumbnail = m_table.text(row, FileCol::Thumbnail);
+    const QPixmap picture(thumbnail);
+    if (picture.isNull())
+        picPreview->clear();
+    else
+        picPreview->setPixmap(
+            picture.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    // Playback comes with the player window; until then the button stays hidden.
+    Cmd_PlayPreview->hide();
+}
 
 } // namespace morvane

@@ -1,14 +1,186 @@
-// The main window.
+// The main window: the file list, the input information panel, the output choice and the
+// conversion controls. A thin view: the rows live in FileViewMain, the output parameters in
+// FormatSetting and OutputBrowser, the queue in VideoConverter; the window applies the state rule,
+// dispatches the button array and runs the closing conversation.
+//
+// Every dialog that the window opens goes through MainSeams, so that tests answer them without a
+// screen. Main thread only.
 #pragma once
 
+#include "CMD_MediaConvert.h"
+#include "Catalogue.h"
+#include "EncoderEngine.h"
+#include "FFDecoder.h"
+#include "FileViewMain.h"
+#include "FormatSetting.h"
+#include "Import_Files.h"
+#include "Input_FileInfo.h"
+#include "Main_State.h"
+#include "OutputBrowser.h"
+#include "VideoConverter_Mods.h"
+#include "frmWait.h"
+
 #include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+class QToolButton;
 
 namespace morvane {
+
+class FileListView;
+class frmReportList;
+
+// The dialogs of the main window. Empty members open the real windows.
+struct MainSeams {
+    std::function<QStringList(const OpenDialogRequest&)> openFiles; // the Add dialog
+    std::function<QString(const QString& start)> chooseFolder;      // button 7; "" is Cancel
+    std::function<void()> closeDialog;                              // frmClose
+    std::function<void()> completion;                               // frmMsg
+    std::function<void()> preferences;                              // frmPreferences
+    std::function<void()> about;                                    // frmAbout
+    std::function<void(int code)> exitProcess;                      // the hard end of Form_Unload
+};
 
 class frmMain : public QMainWindow {
     Q_OBJECT
 public:
-    explicit frmMain(QWidget* parent = nullptr);
+    // Without an engine the FFmpeg engine serves; without a decoder, the FFmpeg reader.
+    explicit frmMain(MainSeams seams = {}, std::unique_ptr<EncoderEngine> engine = {},
+                     std::unique_ptr<FFDecoder> decoder = {}, QWidget* parent = nullptr);
+    ~frmMain() override;
+
+    // The load sequence; the command line's first argument (may be empty) is imported by
+    // Timer_StartUp.
+    void Form_Load(const QStringList& arguments = {});
+
+    // ---- The state rule and the panels.
+    void Set_MainState(int state, bool enable);
+    int Get_ConversionState() const { return m_converter->Get_ConversionState(); }
+    void Show_InputFileInfo(int row);
+    int Info_Row = 0;
+
+    // ---- The button array and the menus.
+    void Cmd_FileListView_Click(int index);
+    void mnuMenu_Click(int index);
+    void mnuFileList_Click(int index);
+
+    // ---- Closing.
+    bool Form_QueryUnload();
+    void Form_Unload();
+
+    // ---- For tests and the front end: the models and controls behind the window.
+    FileViewMain& table() { return m_table; }
+    VideoConverter& converter() { return *m_converter; }
+    FormatSetting& settings() { return m_settings; }
+    OutputBrowser& browser() { return m_browser; }
+    Catalogue& catalogue() { return m_catalogue; }
+    FileListView* fileList() const { return m_list; }
+    QPushButton* button(int index) const;
+    QLineEdit* outputPath() const { return Txt_OutputPath; }
+    QCheckBox* mergeBox() const { return Chk_Merge; }
+    QProgressBar* totalBar() const { return ProgressBar_Total; }
+    QLabel* infoValue(int entry) const { return lbl_InputFileValue.at(entry); }
+    QLabel* preview() const { return picPreview; }
+    QComboBox* presetBox() const { return Cmd_OutputPreset; }
+    QComboBox* groupBox() const { return Cmd_OutputGroup; }
+    QComboBox* panelBox() const { return Cmd_OutputPanel; }
+    frmReportList* reportWindow() const { return m_report; }
+    QMenu* menu() const { return mnuMenu; }
+    QAction* menuEntry(int index) const;
+    frmWait* waitWindow() const { return m_wait; }
+    bool startUpDone() const { return m_startUpDone; }
+    bool trayRequested() const { return m_trayRequested; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    class Host;
+    friend class Host;
+
+    void buildWindow();
+    QWidget* buildToolbar();
+    QWidget* buildInfoPanel();
+    QWidget* buildOutputPanel();
+    QWidget* buildBottomBar();
+    void buildMenus();
+    void setupConnections();
+
+    void Timer_StartUp_Tick();
+    void Timer_ConversionElapsed_Tick();
+    void Set_ConvertButton(int state);
+    void syncConversionViews();
+    void applyMainState(const MainStateView& view);
+    void importFiles(const QString& path);
+    void removeSelected();
+    void removeAll();
+    void chooseOutputFolder();
+    void openOutputFolder();
+    void showCompletion();
+    void loadBrowser();
+    void fillPresetBoxes();
+    void panelChosen(int index);
+    void makerChosen(int index);
+    void groupChosen(int index);
+    void presetChosen(int index);
+    void showPreferences();
+    void showAbout();
+    void contextMenu(const QPoint& globalPos);
+
+    MainSeams m_seams;
+    std::unique_ptr<EncoderEngine> m_engine;
+    std::unique_ptr<FFDecoder> m_decoder;
+    Catalogue m_catalogue;
+    FormatSetting m_settings{m_catalogue};
+    OutputBrowser m_browser{m_catalogue, m_settings};
+    FileViewMain m_table;
+    std::unique_ptr<Host> m_host;
+    std::unique_ptr<VideoConverter> m_converter;
+    std::unique_ptr<EncoderListener> m_events; // forwards to the converter, then refreshes the views
+    MergePipeline m_merge;
+
+    FileListView* m_list = nullptr;
+    std::array<QPushButton*, Btn_Count> Cmd_FileListView{};
+    QLineEdit* Txt_OutputPath = nullptr;
+    QCheckBox* Chk_Merge = nullptr;
+    QProgressBar* ProgressBar_Total = nullptr;
+    QLabel* picPreview = nullptr;
+    std::array<QLabel*, kInfoEntries> lbl_InputFileValue{};
+    QToolButton* Cmd_PlayPreview = nullptr;
+    QComboBox* Cmd_OutputPanel = nullptr;
+    QComboBox* ListBox_MakerNames = nullptr;
+    QComboBox* Cmd_OutputGroup = nullptr;
+    QComboBox* Cmd_OutputPreset = nullptr;
+    QLabel* lbl_OutputSummary = nullptr;
+    QMenu* mnuMenu = nullptr;
+    QMenu* mnuFileList = nullptr;
+    QMenu* mnuPreview = nullptr;
+    std::array<QAction*, 15> m_menuEntries{};
+    QPointer<frmWait> m_wait;
+    frmReportList* m_report = nullptr;
+
+    QTimer Timer_StartUp;
+    QTimer Timer_ConversionElapsed;
+    QString TxtCommand_FirstTime;
+    bool m_startUpDone = false;
+    bool m_trayRequested = false;
+    bool m_fillingPresets = false;
+    bool m_unloaded = false;
+    int m_mainState = MainState_Empty;
+    bool m_mainEnable = false;
 };
 
 } // namespace morvane

@@ -30,4 +30,8 @@ QIcon Skin_StateIcon(int image);
 // report, 41 the copy-protection report. Any other number maps to a neutral placeholder.
 QIcon Skin_StoreIcon(int number);
 
+// Drops every cached icon. The cache is keyed by role and Theme_No, so a theme switch shows without it;
+// call it then to free the other theme's icons, and after the desktop's icon theme changed.
+void Skin_ClearCache();
+
 } // namespace morvane

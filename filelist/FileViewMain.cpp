@@ -262,6 +262,7 @@ void FileViewMain::setSelectedRows(QList<int> rowNumbers) {
     rowNumbers.erase(std::unique(rowNumbers.begin(), rowNumbers.end()), rowNumbers.end());
     rowNumbers.removeIf([this](int r) { return r < 0 || r >= rows(); });
     m_selected = rowNumbers;
+    if (m_selectionObserver) m_selectionObserver();
 }
 
 QString FileViewMain::footer(int column) const {
@@ -271,6 +272,12 @@ QString FileViewMain::footer(int column) const {
 void FileViewMain::setFooter(int column, const QString& text) {
     if (column < 0 || column >= FileCol::Count) return;
     m_footers[static_cast<std::size_t>(column)] = text;
+    emit headerDataChanged(Qt::Horizontal, column, column);
+}
+
+void FileViewMain::setHeaderCaption(int column, const QString& caption) {
+    if (column < 0 || column >= FileCol::Count) return;
+    m_captions.insert(column, caption);
     emit headerDataChanged(Qt::Horizontal, column, column);
 }
 
@@ -344,7 +351,9 @@ bool FileViewMain::setData(const QModelIndex& index, const QVariant& value, int 
 
 QVariant FileViewMain::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || section < 0 || section >= FileCol::Count) return {};
-    if (role == Qt::DisplayRole) return QString::fromLatin1(File_ColumnInfo(section).caption);
+    if (role == Qt::DisplayRole)
+        return m_captions.contains(section) ? m_captions.value(section)
+                                            : QString::fromLatin1(File_ColumnInfo(section).caption);
     if (role == Qt::SizeHintRole) return File_ColumnInfo(section).width;
     return {};
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -193,9 +194,14 @@ public:
     void setSelectedRows(QList<int> rowNumbers);
     void selectRow(int row) { setSelectedRows({row}); }
     void clearSelection() { setSelectedRows({}); }
+    // Told after every setSelectedRows, so that a view can follow the selection that logic sets.
+    void setSelectionObserver(std::function<void()> observer) { m_selectionObserver = std::move(observer); }
 
     QString footer(int column) const;
-    void setFooter(int column, const QString& text);
+    void setFooter(int column, const QString& text); // views hear of it through headerDataChanged
+
+    // A caption shown in place of the column's own, such as the elapsed time over the status column.
+    void setHeaderCaption(int column, const QString& caption);
 
     // In-place editing of column 1 (double click on the Name cell switches it on).
     bool editing() const { return m_editing; }
@@ -228,6 +234,8 @@ private:
     QList<int> m_selected;
     std::array<QString, FileCol::Count> m_footers;
     std::function<CellRect(int, int)> m_cellRect;
+    std::function<void()> m_selectionObserver;
+    QHash<int, QString> m_captions;
     bool m_editing = false;
     int m_populateCount = 0;
     int m_redrawCount = 0;

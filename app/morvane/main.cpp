@@ -2,12 +2,13 @@
 
 #include "Globals.h"
 #include "Registry_Mod.h"
+#include "Skin_Icons.h"
+#include "Skin_Theme.h"
 #include "Sub_Main.h"
+#include "frmMain.h"
 #include "mMain.h"
 
 #include <QApplication>
-#include <QLabel>
-#include <QMainWindow>
 #include <QMessageBox>
 
 using namespace morvane;
@@ -70,16 +71,14 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(PRODUCT_NAME);
     QApplication::setOrganizationName(COMPANY_NAME);
     QApplication::setApplicationVersion(PRODUCT_VERSION);
-    Msg_Trail.clear();
-    Load_Settings();
+    QApplication::setWindowIcon(Skin_Icon(QStringLiteral("img_convert")));
 
-    // The main window grows with the file list, catalogue and conversion; for now it is the frame.
-    QMainWindow frmMain;
-    frmMain.setWindowTitle(PRODUCT_NAME);
-    auto* placeholder = new QLabel(QStringLiteral("Add video files to convert them."), &frmMain);
-    placeholder->setAlignment(Qt::AlignCenter);
-    frmMain.setCentralWidget(placeholder);
-    frmMain.resize(1280, 800);
-    frmMain.show();
+    // The theme is known only from the settings; the window reads them again as it loads.
+    Load_Settings();
+    Apply_Theme(app, Theme_No);
+
+    frmMain window;
+    window.Form_Load(QApplication::arguments().mid(1));
+    window.show();
     return QApplication::exec();
 }

@@ -1,0 +1,572 @@
+// The main window's handlers: the button array, the menus, the list's events, closing, and what the
+// import and the converter ask of the window.
+
+#include "Close_Main.h"
+#include "FileListView.h"
+#include "FileList_Mods.h"
+#include "Folders_Mods.h"
+#include "Globals.h"
+#include "Open_Folder.h"
+#include "Preset_Mods.h"
+#include "Registry_Mod.h"
+#include "Skin_Icons.h"
+#include "frmAbout.h"
+#include "frmClose.h"
+#include "frmMain.h"
+#include "frmMain_Host.h"
+#include "frmMsg.h"
+#include "frmPreferences.h"
+#include "frmReportList.h"
+#include "frmWait.h"
+#include "mMain.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QShortcut>
+#include <QTableView>
+#include <QUrl>
+
+namespace morvane {
+
+// ---- Connections and menus.
+
+void frmMain::buildMenus() {
+    struct Entry {
+        int index;
+        const char* text;
+        bool checkable;
+    };
+    const Entry entries[] = {
+        {1, "Help", false},
+        {6, "Visit Home Page", false},
+        {9, "Show Preview", true},
+        {10, "Shut Down When Done", true},
+        {13, "Preferences...", false},
+        {14, "About", false},
+    };
+    for (const Entry& e : entries) {
+        if (e.index == 9 || e.index == 13) mnuMenu->addSeparator();
+        QAction* a = mnuMenu->addAction(QString::fromLatin1(e.text));
+        a->setCheckable(e.checkable);
+        m_menuEntries[e.index] = a;
+        connect(a, &QAction::triggered, this, [this, i = e.index] { mnuMenu_Click(i); });
+    }
+    m_menuEntries[13]->setShortcut(QKeySequence::Preferences);
+    addAction(m_menuEntries[13]);
+
+    mnuFileList = new QMenu(this);
+    const std::pair<int, const char*> listEntries[] = {
+        {1, "Open file location..."}, {5, "Remove"}, {6, "Remove All"}};
+    for (auto [index, text] : listEntries) {
+        if (index == 5) mnuFileList->addSeparator();
+        QAction* a = mnuFileList->addAction(QString::fromLatin1(text));
+        a->setObjectName(QStringLiteral("mnuFileList_%1").arg(index));
+        connect(a, &QAction::triggered, this, [this, i = index] { mnuFileList_Click(i); });
+    }
+
+    mnuPreview = new QMenu(this);
+    QAction* remove = mnuPreview->addAction(QStringLiteral("Remove"));
+    connect(remove, &QAction::triggered, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
+    QAction* open = mnuPreview->addAction(QStringLiteral("Open file location..."));
+    connect(open, &QAction::triggered, this, [this] { mnuFileList_Click(1); });
+}
+
+void frmMain::setupConnections() {
+    for (int i = 0; i < Btn_Count; ++i)
+        if (Cmd_FileListView[i])
+            connect(Cmd_FileListView[i], &QPushButton::clicked, this,
+                    [this, i] { Cmd_FileListView_Click(i); });
+    connect(&Timer_StartUp, &QTimer::timeout, this, &frmMain::Timer_StartUp_Tick);
+    connect(&Timer_ConversionElapsed, &QTimer::timeout, this, &frmMain::Timer_ConversionElapsed_Tick);
+
+    connect(m_list, &FileListView::removeRequested, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
+    connect(m_list, &FileListView::removeAllRequested, this,
+            [this] { Cmd_FileListView_Click(Btn_RemoveAll); });
+    connect(m_list, &FileListView::rowShown, this, [this](int row) { Show_InputFileInfo(row); });
+    connect(m_list, &FileListView::contextMenuRequested, this, &frmMain::contextMenu);
+    connect(picPreview, &QLabel::customContextMenuRequested, this, [this](const QPoint& at) {
+        if (Get_ConversionState() == Conversion_Idle && m_table.rows() > 0)
+            mnuPreview->popup(picPreview->mapToGlobal(at));
+    });
+
+    connect(Txt_OutputPath, &QLineEdit::textChanged, this,
+            [this](const QString& text) { m_converter->Txt_OutputPath = text; });
+    connect(Chk_Merge, &QCheckBox::toggled, this, [this](bool on) { m_browser.mergeChecked = on; });
+    connect(Cmd_OutputPanel, &QComboBox::currentIndexChanged, this, &frmMain::panelChosen);
+    connect(ListBox_MakerNames, &QComboBox::currentIndexChanged, this, &frmMain::makerChosen);
+    connect(Cmd_OutputGroup, &QComboBox::currentIndexChanged, this, &frmMain::groupChosen);
+    connect(Cmd_OutputPreset, &QComboBox::currentIndexChanged, this, &frmMain::presetChosen);
+
+    // Keyboard: add, select all and start, beside the list's own Delete and Shift+Delete.
+    auto* add = new QShortcut(QKeySequence::Open, this);
+    connect(add, &QShortcut::activated, this, [this] {
+        if (Cmd_FileListView[Btn_Add]->isEnabled()) Cmd_FileListView_Click(Btn_Add);
+    });
+    auto* start = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return), this);
+    connect(start, &QShortcut::activated, this, [this] {
+        if (Cmd_FileListView[Btn_Convert]->isEnabled()) Cmd_FileListView_Click(Btn_Convert);
+    });
+    auto* selectAll = new QShortcut(QKeySequence::SelectAll, this);
+    connect(selectAll, &QShortcut::activated, this, [this] {
+        if (m_table.rows() == 0 || Txt_OutputPath->hasFocus()) return;
+        QList<int> all;
+        for (int r = 0; r < m_table.rows(); ++r)
+            all << r;
+        m_table.setSelectedRows(all);
+    });
+}
+
+// ---- The button array.
+
+void frmMain::Cmd_FileListView_Click(int index) {
+    switch (index) {
+    case Btn_Add:
+        if (Get_ConversionState() != Conversion_Idle) return;
+        importFiles(QString());
+        m_list->setDropHintVisible(false);
+        break;
+    case Btn_Remove:
+        if (Get_ConversionState() == Conversion_Idle) removeSelected();
+        break;
+    case Btn_RemoveAll:
+        if (Get_ConversionState() == Conversion_Idle) removeAll();
+        break;
+    case Btn_Convert:
+        m_converter->Cmd_ConvertPressed();
+        syncConversionViews();
+        break;
+    case Btn_Stop:
+        if (Get_ConversionState() == Conversion_Idle) return;
+        m_converter->Stop();
+        syncConversionViews();
+        break;
+    case Btn_OpenOutput:
+        openOutputFolder();
+        break;
+    case Btn_BrowseOutput:
+        chooseOutputFolder();
+        break;
+    default: // the windows of the catalogue, the editor, the disc and the rename bring the rest
+        break;
+    }
+}
+
+void frmMain::importFiles(const QString& path) {
+    Import_Files(*m_host, m_table, path, *m_decoder, *m_host);
+    syncConversionViews();
+}
+
+void frmMain::removeSelected() {
+    if (m_table.rows() == 0) return;
+    Remove_Selected(m_table);
+    Update_Totals(m_table);
+    if (m_table.selectedRows().isEmpty()) Show_InputFileInfo(-1);
+    if (m_table.rows() == 0) Set_MainState(MainState_Empty, false);
+}
+
+void frmMain::removeAll() {
+    if (m_table.rows() == 0) return;
+    Remove_All(m_table);
+    Update_Totals(m_table);
+    Show_InputFileInfo(-1);
+    Set_MainState(MainState_Empty, false);
+}
+
+void frmMain::chooseOutputFolder() {
+    const QString start = Txt_OutputPath->text();
+    const QString chosen =
+        m_seams.chooseFolder
+            ? m_seams.chooseFolder(start)
+            : QFileDialog::getExistingDirectory(this, QStringLiteral("Choose the output folder"), start);
+    if (chosen.trimmed().isEmpty()) return;
+    QString folder = QDir::cleanPath(chosen);
+    if (!folder.endsWith(QLatin1Char('/'))) folder += QLatin1Char('/');
+    Txt_OutputPath->setText(folder);
+    Path_Output = folder;
+    Write_Setting(REGISTRY_PRODUCT, QStringLiteral("OutputPath"), folder);
+}
+
+void frmMain::openOutputFolder() {
+    Open_Folder(this, Txt_OutputPath->text(), false, true);
+}
+
+// frmMsg's first button: the merged file selected in its folder, else the output folder.
+void frmMain::showCompletion() {
+    if (m_seams.completion) {
+        m_seams.completion();
+        return;
+    }
+    frmMsg dialog(this);
+    connect(&dialog, &frmMsg::openOutputRequested, this, [this] {
+        if (Chk_Merge->isChecked() && !m_merge.Merge_OutputPath.isEmpty())
+            Open_Folder(this, m_merge.Merge_OutputPath, true, false);
+        else
+            Open_Folder(this, Txt_OutputPath->text(), false, false);
+    });
+    dialog.exec();
+}
+
+// ---- The output choice: the panel's groups and the open group's presets.
+
+// The strips of the four panels, then the open panel with its remembered group pressed.
+void frmMain::loadBrowser() {
+    m_browser.Panel_BuildButtons(Panel_VideoFormats, QStringLiteral("VideoFormat"));
+    m_browser.Panel_BuildButtons(Panel_AudioFormats, QStringLiteral("AudioFormat"));
+    m_browser.Panel_BuildButtons(Panel_WebFormats, QStringLiteral("WebFormat"));
+    m_browser.ListBox_MakerNames.select(m_browser.MakerIndex);
+    m_browser.Panel_BuildButtons(Panel_Devices, Trim_Spaces(m_browser.ListBox_MakerNames.selectedText()));
+    m_browser.Favorites_Refresh();
+    if (m_browser.PanelActive == Panel_Favorites) m_browser.PanelActive = Panel_VideoFormats;
+    m_browser.Panel_Show(m_browser.PanelActive);
+    fillPresetBoxes();
+}
+
+void frmMain::panelChosen(int index) {
+    if (m_fillingPresets || index < 0) return;
+    m_browser.Panel_Show(index);
+    fillPresetBoxes();
+}
+
+void frmMain::makerChosen(int index) {
+    if (m_fillingPresets || index < 0) return;
+    m_browser.makerChanged(index);
+    fillPresetBoxes();
+}
+
+void frmMain::fillPresetBoxes() {
+    m_fillingPresets = true;
+    Cmd_OutputPanel->setCurrentIndex(m_browser.PanelActive);
+    ListBox_MakerNames->setVisible(m_browser.PanelActive == Panel_Devices);
+    ListBox_MakerNames->setCurrentIndex(static_cast<int>(m_browser.ListBox_MakerNames.selectedIndex()));
+    const ButtonStrip& strip = m_browser.strips[static_cast<std::size_t>(m_browser.PanelActive)];
+    Cmd_OutputGroup->clear();
+    for (const StripButton& b : strip.buttons)
+        Cmd_OutputGroup->addItem(b.caption);
+    Cmd_OutputGroup->setCurrentIndex(static_cast<int>(strip.checkedButton()));
+
+    const ValueList& presets = m_catalogue.Cmd_OutputPreset;
+    Cmd_OutputPreset->clear();
+    for (const ValueListItem& item : presets.items())
+        Cmd_OutputPreset->addItem(item.text);
+    Cmd_OutputPreset->setCurrentIndex(static_cast<int>(presets.selectedIndex()));
+    m_fillingPresets = false;
+
+    const QString extension = m_settings.Combo_OutputFile[List_Extension].selectedText();
+    const QString codec = m_settings.Combo_OutputFile[List_VideoCodec].selectedText();
+    const QString size = m_settings.Combo_OutputFile[List_FrameSize].selectedText();
+    QStringList parts;
+    for (const QString& p : {extension, codec, size})
+        if (!p.trimmed().isEmpty()) parts << p.trimmed();
+    lbl_OutputSummary->setText(parts.join(QStringLiteral("  ·  ")));
+}
+
+void frmMain::groupChosen(int index) {
+    if (m_fillingPresets || index < 0) return;
+    m_browser.Group_Open(m_browser.PanelActive, index);
+    fillPresetBoxes();
+}
+
+void frmMain::presetChosen(int index) {
+    if (m_fillingPresets || index < 0) return;
+    m_browser.presetChanged(index);
+    fillPresetBoxes();
+}
+
+// ---- Menus.
+
+void frmMain::mnuMenu_Click(int index) {
+    switch (index) {
+    case 1:
+    case 6:
+        QDesktopServices::openUrl(QUrl(LINK_HOMEPAGE1));
+        break;
+    case 9: {
+        // The check has already turned with the click.
+        const bool on = m_menuEntries[9]->isChecked();
+        picPreview->clear();
+        m_engine->SetPreviewEnabled(on);
+        m_converter->Preview_Enabled = on;
+        break;
+    }
+    case 10:
+        m_converter->Shutdown_After = m_menuEntries[10]->isChecked() ? 1 : 0;
+        break;
+    case 13:
+        showPreferences();
+        break;
+    case 14:
+        showAbout();
+        break;
+    default:
+        break;
+    }
+}
+
+void frmMain::showPreferences() {
+    if (m_seams.preferences) {
+        m_seams.preferences();
+        return;
+    }
+    frmPreferences dialog(this);
+    dialog.exec();
+}
+
+void frmMain::showAbout() {
+    if (m_seams.about) {
+        m_seams.about();
+        return;
+    }
+    frmAbout dialog(this);
+    dialog.exec();
+}
+
+void frmMain::mnuFileList_Click(int index) {
+    switch (index) {
+    case 1: {
+        const QList<int>& selected = m_table.selectedRows();
+        if (selected.isEmpty()) return;
+        const int row = selected.first();
+        Open_Folder(this, m_table.text(row, FileCol::FilePath) + m_table.text(row, FileCol::FileName), true,
+                    false);
+        break;
+    }
+    case 5:
+        Cmd_FileListView_Click(Btn_Remove);
+        break;
+    case 6:
+        Cmd_FileListView_Click(Btn_RemoveAll);
+        break;
+    default:
+        break;
+    }
+}
+
+void frmMain::contextMenu(const QPoint& globalPos) {
+    if (Get_ConversionState() != Conversion_Idle) return;
+    mnuFileList->popup(globalPos);
+}
+
+// ---- Closing.
+
+bool frmMain::Form_QueryUnload() {
+    CloseSeams s;
+    s.conversionState = [this] { return Get_ConversionState(); };
+    s.pressConvert = [this] { Cmd_FileListView_Click(Btn_Convert); };
+    s.showCloseDialog = [this] {
+        if (m_seams.closeDialog) {
+            m_seams.closeDialog();
+            return;
+        }
+        frmClose dialog(this);
+        dialog.exec();
+    };
+    s.goToTray = [this] {
+        // The tray icon is not there yet: the window goes to the task bar instead.
+        m_trayRequested = true;
+        showMinimized();
+    };
+    s.letMessagesThrough = [] { QCoreApplication::processEvents(); };
+    s.shutdownAfter = m_converter->Shutdown_After;
+    return morvane::Form_QueryUnload(s);
+}
+
+void frmMain::Form_Unload() {
+    if (m_unloaded) return;
+    m_unloaded = true;
+    Clear_TempPictures();
+    setAcceptDrops(false);
+    Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinTagInfo"), QString());
+    Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinInfo"), QString());
+
+    Closing = true; // late events change nothing from here on
+    auto* wait = new frmWait(this, 2);
+    wait->setAttribute(Qt::WA_DeleteOnClose);
+    wait->show();
+    QCoreApplication::processEvents();
+    m_engine->Stop(true);
+    wait->close();
+
+    QCoreApplication::processEvents();
+    m_engine->ClearTasks();
+    QCoreApplication::processEvents();
+    m_merge.Merge_Reset(QString());
+
+    Timer_StartUp.stop();
+    Timer_ConversionElapsed.stop();
+    m_report->hide();
+
+    if (m_seams.exitProcess)
+        m_seams.exitProcess(0);
+    else
+        QCoreApplication::exit(0);
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    if (m_unloaded) {
+        event->accept();
+        return;
+    }
+    if (Form_QueryUnload()) {
+        Form_Unload();
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+// ---- Host.
+
+void frmMain::Host::Focus_OutputPath() {
+    w.Txt_OutputPath->selectAll();
+    w.Txt_OutputPath->setFocus();
+}
+
+void frmMain::Host::Focus_List() {
+    w.m_list->view()->setFocus();
+}
+
+void frmMain::Host::Scroll_ToRow(int row) {
+    if (row >= 0 && row < w.m_table.rows()) w.m_list->view()->scrollTo(w.m_table.index(row, FileCol::Name));
+}
+
+void frmMain::Host::Clear_Preview() {
+    w.picPreview->clear();
+}
+
+void frmMain::Host::Show_PreviewBitmap(int width, int height, const QByteArray& bgra) {
+    if (width <= 0 || height <= 0 || bgra.size() < static_cast<qsizetype>(width) * height * 4) return;
+    const QImage frame(reinterpret_cast<const uchar*>(bgra.constData()), width, height, width * 4,
+                       QImage::Format_RGB32);
+    w.picPreview->setPixmap(QPixmap::fromImage(
+        frame.scaled(w.picPreview->size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
+}
+
+void frmMain::Host::openWait(int mode) {
+    if (w.m_wait) w.m_wait->close();
+    Wait_Mode = mode;
+    w.m_wait = new frmWait(&w, mode);
+    w.m_wait->setAttribute(Qt::WA_DeleteOnClose);
+}
+
+void frmMain::Host::Wait_Show(int maximum, const QString& caption) {
+    openWait(kWaitMode_Import);
+    w.m_wait->setCaption(caption);
+    w.m_wait->setMaximum(maximum);
+    QObject::connect(w.m_wait, &frmWait::cancelPressed, &w, [this] { w.m_converter->Wait_CancelPressed(); });
+    w.m_wait->show();
+}
+
+void frmMain::Host::Wait_Step(const QString& countText, int value) {
+    if (!w.m_wait) return;
+    w.m_wait->setFileNo(countText);
+    w.m_wait->setValue(value);
+}
+
+void frmMain::Host::Wait_Close() {
+    if (w.m_wait) w.m_wait->close();
+}
+
+void frmMain::Host::Wait_Show(int maximum) {
+    openWait(kWaitMode_Import);
+    w.m_wait->setCaption(QStringLiteral("Adding files..."));
+    w.m_wait->setMaximum(maximum);
+    QObject::connect(w.m_wait, &frmWait::cancelPressed, &w, [this] { Wait_CancelPressed(*this); });
+    w.m_wait->show();
+}
+
+void frmMain::Host::Wait_Step(const QString& fileNo, const QString& file, int value) {
+    if (!w.m_wait) return;
+    w.m_wait->setFileNo(fileNo);
+    w.m_wait->setFile(file);
+    w.m_wait->setValue(value);
+}
+
+void frmMain::Host::Merge_Wait(bool show) {
+    if (!show) {
+        Wait_Close();
+        return;
+    }
+    openWait(3);
+    QObject::connect(w.m_wait, &frmWait::cancelPressed, &w, [this] { w.m_merge.Cancel(); });
+    w.m_wait->show();
+}
+
+void frmMain::Host::Set_MainState(int state) {
+    // The import's -1 is "the list has items".
+    if (state == -1)
+        w.Set_MainState(MainState_Ready, true);
+    else
+        w.Set_MainState(state, false);
+}
+
+int frmMain::Host::Window_State() {
+    if (w.isMinimized()) return Window_Minimized;
+    return w.isMaximized() ? Window_Maximized : Window_Normal;
+}
+
+void frmMain::Host::Set_WindowState(int state) {
+    if (state == Window_Minimized)
+        w.showMinimized();
+    else if (state == Window_Maximized)
+        w.showMaximized();
+    else
+        w.showNormal();
+}
+
+void frmMain::Host::Show_Completion() {
+    w.showCompletion();
+}
+
+void frmMain::Host::Run_Shutdown(const QString& command) {
+    (void)command; // the words of another system; here the desktop's own power-off in a minute
+    QProcess::startDetached(QStringLiteral("shutdown"), {QStringLiteral("-h"), QStringLiteral("+1"),
+                                                         QStringLiteral("Conversion is completed !")});
+}
+
+void frmMain::Host::Unload_Main() {
+    w.close();
+}
+
+QStringList frmMain::Host::Show_Open(const OpenDialogRequest& request) {
+    if (w.m_seams.openFiles) return w.m_seams.openFiles(request);
+    QFileDialog dialog(&w, QStringLiteral("Add video files"), request.initialDir);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    dialog.setNameFilter(QString()); // set below, as a list
+    const QStringList filters = Qt_DialogFilter(request.filter).split(QStringLiteral(";;"));
+    dialog.setNameFilters(filters);
+    if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
+        dialog.selectNameFilter(filters.at(request.filterIndex - 1));
+    if (dialog.exec() != QDialog::Accepted) return {};
+    return dialog.selectedFiles();
+}
+
+QString Qt_DialogFilter(const QString& windowsFilter) {
+    const QStringList parts = windowsFilter.split(QLatin1Char('|'));
+    QStringList rows;
+    static const QRegularExpression trailingPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString description = parts.at(i);
+        description.remove(trailingPatterns);
+        QStringList patterns = parts.at(i + 1).split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& p : patterns)
+            p = p.trimmed();
+        rows << description.trimmed() + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) +
+                    QLatin1Char(')');
+    }
+    return rows.join(QStringLiteral(";;"));
+}
+
+} // namespace morvane

@@ -1,0 +1,57 @@
+// What the import and the conversion controller ask of the main window: its state, the information
+// panel, the wait window, the preview picture and the end-of-queue windows.
+#pragma once
+
+#include "Import_Files.h"
+#include "VideoConverter_Mods.h"
+#include "frmMain.h"
+
+namespace morvane {
+
+class frmMain::Host : public ConversionHost, public ImportHost, public FileDialog {
+public:
+    explicit Host(frmMain& window) : w(window) {}
+
+    // ---- Both.
+    void Show_InputFileInfo(int row) override { w.Show_InputFileInfo(row); }
+
+    // ---- ConversionHost.
+    void Set_MainState(int state, bool enable) override { w.Set_MainState(state, enable); }
+    void Set_AcceptDrops(bool accept) override { w.setAcceptDrops(accept); }
+    void Focus_OutputPath() override;
+    void Focus_List() override;
+    void Scroll_ToRow(int row) override;
+    void Clear_Preview() override;
+    void Show_PreviewBitmap(int width, int height, const QByteArray& bgra) override;
+    void Wait_Show(int maximum, const QString& caption) override;
+    void Wait_Step(const QString& countText, int value) override;
+    void Wait_Close() override;
+    int Window_State() override;
+    void Set_WindowState(int state) override;
+    void Show_Completion() override;
+    void Run_Shutdown(const QString& command) override;
+    void Unload_Main() override;
+
+    // ---- ImportHost.
+    void Set_MainEnabled(bool enabled) override { w.setEnabled(enabled); }
+    void Set_MainState(int state) override;
+    void Focus_Table() override { Focus_List(); }
+    void Refresh_Main() override { w.update(); }
+    void Wait_Show(int maximum) override;
+    void Wait_Step(const QString& fileNo, const QString& file, int value) override;
+
+    // ---- FileDialog: the Add dialog.
+    QStringList Show_Open(const OpenDialogRequest& request) override;
+
+    // The merge's wait window ("Finalizing Progress...").
+    void Merge_Wait(bool show);
+
+private:
+    void openWait(int mode);
+    frmMain& w;
+};
+
+// The open dialog's filter in Qt's form: "Description (*.a *.b)" per row, joined by ";;".
+QString Qt_DialogFilter(const QString& windowsFilter);
+
+} // namespace morvane
