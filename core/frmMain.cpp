@@ -113,6 +113,11 @@ frmMain::~frmMain() {
     Set_ReportSink(nullptr);
     m_engine->SetListener(nullptr);
     m_engine->Stop(true);
+    // The views hold the models by reference, and members die before the base class deletes its
+    // children: the views go first.
+    delete takeCentralWidget();
+    delete m_report;
+    delete m_wait;
 }
 
 // ---- Layout.

@@ -1,9 +1,9 @@
 #include "FileList_Mods.h"
 
+#include "Aspect_Text.h"
 #include "CheckedMath.h"
 #include "File_Names.h"
 #include "Globals.h"
-#include "Aspect_Text.h"
 #include "Preset_Mods.h"
 #include "Report_List.h"
 #include "mMain.h"
