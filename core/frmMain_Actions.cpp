@@ -544,7 +544,6 @@ QStringList frmMain::Host::Show_Open(const OpenDialogRequest& request) {
     if (w.m_seams.openFiles) return w.m_seams.openFiles(request);
     QFileDialog dialog(&w, QStringLiteral("Add video files"), request.initialDir);
     dialog.setFileMode(QFileDialog::ExistingFiles);
-    dialog.setNameFilter(QString()); // set below, as a list
     const QStringList filters = Qt_DialogFilter(request.filter).split(QStringLiteral(";;"));
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())

@@ -227,6 +227,8 @@ TEST_F(MainWindow, ConvertPauseResumeAndStopFromTheButtons) {
     w->button(Btn_Convert)->click();
     EXPECT_EQ(w->converter().Get_ConversionState(), Conversion_Paused);
     EXPECT_EQ(w->button(Btn_Convert)->text(), QStringLiteral("Resume"));
+    // Events the workers posted before the pause still arrive; after them nothing moves.
+    waitFor([] { return false; }, 500);
     const int percent = w->table().progress(0).percent;
     waitFor([] { return false; }, 900);
     EXPECT_EQ(w->table().progress(0).percent, percent); // held while paused
