@@ -1,6 +1,7 @@
 #include "FileListView.h"
 
 #include "Registry_Mod.h"
+#include "frmRename.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -161,7 +162,10 @@ public:
                           const QModelIndex& index) const override {
         m_editIndex = index;
         Begin_NameEdit(m_table, index.row());
-        return QStyledItemDelegate::createEditor(parent, option, index);
+        QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
+        // The name becomes a file name: the same characters are refused as in the rename dialogs.
+        if (auto* box = qobject_cast<QLineEdit*>(editor)) installFileNameFilter(box);
+        return editor;
     }
 
     // The editor takes the name once: the list is redrawn during a conversion, and a refill would
