@@ -289,16 +289,21 @@ void FormatSetting::boxChanged(SpinField& box, const QString& text) {
 }
 
 void FormatSetting::boxLeft(SpinField& box) {
+    const QString before = box.text;
     setSpin(box, numberOf(box.text));
     if ((&box == &Txt_OutputVideoWidth || &box == &Txt_OutputVideoHeight) &&
         Combo_OutputFile[List_VideoBitrate].selectedText() == kSmartFit)
         videoBitrateChanged();
+    // The spinner writes its number into the box, which stores the row like any typed change.
+    if (SettingsLive && box.text != before) markAndStore();
 }
 
 void FormatSetting::spinPressed(SpinField& box, int step) {
     if (!box.enabled) return;
+    const QString before = box.text;
     setSpin(box, numberOf(box.text) + step);
     if (Combo_OutputFile[List_VideoBitrate].selectedText() == kSmartFit) videoBitrateChanged();
+    if (SettingsLive && box.text != before) markAndStore();
 }
 
 // ---- Presets

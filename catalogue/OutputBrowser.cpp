@@ -168,7 +168,10 @@ void OutputBrowser::openGroup(int panel, qsizetype button) {
     ValueList& list = m_catalogue.Cmd_OutputPreset;
     list.clear();
     LastCaption = strip.buttons.at(button).caption;
-    List_FillByGroup(m_catalogue.ReportControl_PresetMain, panelMaker(panel, button), LastCaption, list);
+    // The favorites panel lists the favorites of the group, the others every preset of it.
+    const CatalogueTable& table = panel == Panel_Favorites ? m_catalogue.ReportControl_FavoritesMain
+                                                           : m_catalogue.ReportControl_PresetMain;
+    List_FillByGroup(table, panelMaker(panel, button), LastCaption, list);
 
     if (panel == Panel_Favorites) {
         presetChanged(0);

@@ -5,8 +5,10 @@
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "Globals.h"
+#include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
+#include "frmFormatSetting.h"
 #include "frmMain_Host.h"
 #include "frmReportList.h"
 #include "frmWait.h"
@@ -64,6 +66,7 @@ int twipsToPixels(int twips) {
 QPushButton* makeButton(const QString& text, const QString& role, const QString& tip) {
     auto* button = new QPushButton(text);
     if (!role.isEmpty()) button->setIcon(Skin_Icon(role));
+    button->setProperty("skinRole", role); // the icon is loaded again after a theme switch
     button->setToolTip(tip);
     button->setIconSize(QSize(20, 20));
     button->setCursor(Qt::PointingHandCursor);
@@ -116,6 +119,7 @@ frmMain::~frmMain() {
     // The views hold the models by reference, and members die before the base class deletes its
     // children: the views go first.
     delete takeCentralWidget();
+    delete m_settingsWindow;
     delete m_report;
     delete m_wait;
 }
@@ -178,14 +182,15 @@ QWidget* frmMain::buildToolbar() {
         Cmd_FileListView[d.index] = b;
         row->addWidget(b);
     }
-    // The edit window, the disc source and the rename menu come with their own windows.
-    for (int index : {Btn_Edit, Btn_Disc, Btn_Rename})
+    // The edit window and the disc source come with their own windows.
+    for (int index : {Btn_Edit, Btn_Disc})
         Cmd_FileListView[index]->hide();
     row->addStretch(1);
 
     auto* menuButton = new QToolButton;
     menuButton->setObjectName(QStringLiteral("Cmd_Menu"));
     menuButton->setIcon(Skin_Icon(QStringLiteral("img_menu")));
+    menuButton->setProperty("skinRole", QStringLiteral("img_menu"));
     menuButton->setIconSize(QSize(22, 22));
     menuButton->setToolTip(QStringLiteral("Menu"));
     menuButton->setPopupMode(QToolButton::InstantPopup);
@@ -216,6 +221,7 @@ QWidget* frmMain::buildInfoPanel() {
     Cmd_PlayPreview = new QToolButton(picPreview);
     Cmd_PlayPreview->setObjectName(QStringLiteral("Cmd_PlayPreview"));
     Cmd_PlayPreview->setIcon(Skin_Icon(QStringLiteral("img_player_play")));
+    Cmd_PlayPreview->setProperty("skinRole", QStringLiteral("img_player_play"));
     Cmd_PlayPreview->setIconSize(QSize(32, 32));
     Cmd_PlayPreview->setAutoRaise(true);
     Cmd_PlayPreview->hide();
@@ -249,57 +255,12 @@ QWidget* frmMain::buildInfoPanel() {
 }
 
 QWidget* frmMain::buildOutputPanel() {
-    QFrame* panel = makePanel(QStringLiteral("Pic_Output"));
-    auto* row = new QHBoxLayout(panel);
-    row->setContentsMargins(12, 8, 12, 8);
-    row->setSpacing(8);
-    auto* caption = new QLabel(QStringLiteral("Output format:"));
-    QFont bold = caption->font();
-    bold.setBold(true);
-    caption->setFont(bold);
-    row->addWidget(caption);
-
-    Cmd_OutputPanel = new QComboBox;
-    Cmd_OutputPanel->setObjectName(QStringLiteral("Cmd_PanelOutput"));
-    for (const char* name : {"Video Formats", "Devices", "Audio Formats", "Web Formats"})
-        Cmd_OutputPanel->addItem(QString::fromLatin1(name));
-    row->addWidget(Cmd_OutputPanel);
-
-    ListBox_MakerNames = new QComboBox;
-    ListBox_MakerNames->setObjectName(QStringLiteral("ListBox_MakerNames"));
-    ListBox_MakerNames->setToolTip(QStringLiteral("Maker"));
-    for (const ValueListItem& maker : m_browser.ListBox_MakerNames.items())
-        ListBox_MakerNames->addItem(maker.text);
-    ListBox_MakerNames->hide();
-    row->addWidget(ListBox_MakerNames);
-
-    Cmd_OutputGroup = new QComboBox;
-    Cmd_OutputGroup->setObjectName(QStringLiteral("Cmd_OutoutFormat"));
-    Cmd_OutputGroup->setMinimumWidth(170);
-    Cmd_OutputGroup->setToolTip(QStringLiteral("Format group"));
-    row->addWidget(Cmd_OutputGroup);
-
-    Cmd_OutputPreset = new QComboBox;
-    Cmd_OutputPreset->setObjectName(QStringLiteral("Cmd_OutputPreset"));
-    Cmd_OutputPreset->setMinimumWidth(320);
-    Cmd_OutputPreset->setToolTip(QStringLiteral("Preset"));
-    row->addWidget(Cmd_OutputPreset, 1);
-
-    lbl_OutputSummary = new QLabel;
-    lbl_OutputSummary->setObjectName(QStringLiteral("lbl_OutputSummary"));
-    lbl_OutputSummary->setForegroundRole(QPalette::PlaceholderText);
-    row->addWidget(lbl_OutputSummary, 1);
-
-    for (auto [index, role, tip] : {std::tuple{Btn_Favorite, "img_favorite_off", "Add to favorites tab"},
-                                    std::tuple{Btn_Search, "img_search_format", "Search presets"},
-                                    std::tuple{Btn_Settings, "img_setting", "Preset settings"}}) {
-        QPushButton* b = makeButton(QString(), QString::fromLatin1(role), QString::fromLatin1(tip));
-        b->setObjectName(QStringLiteral("Cmd_FileListView_%1").arg(index));
-        Cmd_FileListView[index] = b;
-        row->addWidget(b);
-        b->hide(); // the catalogue windows bring these
-    }
-    return panel;
+    m_browserView = new OutputBrowserView(m_browser, m_catalogue, m_settings);
+    Cmd_FileListView[Btn_Settings] = m_browserView->settingsButton();
+    Cmd_FileListView[Btn_Favorite] = m_browserView->favoriteButton();
+    Cmd_FileListView[Btn_Search] = m_browserView->searchButton();
+    m_settingsWindow = new frmFormatSetting(m_catalogue, m_settings, this);
+    return m_browserView;
 }
 
 QWidget* frmMain::buildBottomBar() {
@@ -375,6 +336,9 @@ void frmMain::Form_Load(const QStringList& arguments) {
     if (!arguments.isEmpty()) TxtCommand_FirstTime = arguments.first();
     setWindowTitle(COMPANY_NAME + QLatin1Char(' ') + PRODUCT_NAME);
     Load_Settings();
+    const QList<QAction*> themes = mnutheme->actions();
+    for (QAction* a : themes)
+        a->setChecked(a->objectName() == QStringLiteral("mnutheme_%1").arg(Theme_No));
     Txt_OutputPath->setText(Path_Output);
     m_converter->Txt_OutputPath = Path_Output;
 
@@ -431,13 +395,12 @@ void frmMain::applyMainState(const MainStateView& v) {
     for (int i = 0; i < Btn_Count; ++i)
         if (Cmd_FileListView[i] && v.buttons[i]) Cmd_FileListView[i]->setEnabled(*v.buttons[i]);
     if (v.groupA) {
-        for (QWidget* w : {static_cast<QWidget*>(Cmd_OutputPanel), static_cast<QWidget*>(Cmd_OutputGroup),
-                           static_cast<QWidget*>(Cmd_OutputPreset), static_cast<QWidget*>(Txt_OutputPath),
-                           static_cast<QWidget*>(Chk_Merge)})
-            w->setEnabled(*v.groupA);
+        m_browserView->setGroupEnabled(*v.groupA);
+        Txt_OutputPath->setEnabled(*v.groupA);
+        Chk_Merge->setEnabled(*v.groupA);
     }
-    m_browser.ListBox_MakerNames.enabled = v.makerNames;
-    ListBox_MakerNames->setEnabled(v.makerNames);
+    if (v.groupB) m_settingsWindow->Set_GroupBEnabled(*v.groupB);
+    m_browserView->setMakerEnabled(v.makerNames);
     m_list->setEnabled(v.fileView);
     ProgressBar_Total->setEnabled(v.progressTotal);
     syncConversionViews();

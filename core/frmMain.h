@@ -30,7 +30,6 @@
 
 class QAction;
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -42,6 +41,8 @@ namespace morvane {
 
 class FileListView;
 class frmReportList;
+class frmFormatSetting;
+class OutputBrowserView;
 
 // The dialogs of the main window. Empty members open the real windows.
 struct MainSeams {
@@ -76,6 +77,10 @@ public:
     void Cmd_FileListView_Click(int index);
     void mnuMenu_Click(int index);
     void mnuFileList_Click(int index);
+    // The theme menu: 1 Light, 2 Dark.
+    void mnutheme_Click(int index);
+    // The rename menus: the item index of mnuRenameAll / mnuRenameAll2.
+    void mnuRenameAll_Click(int index);
 
     // ---- Closing.
     bool Form_QueryUnload();
@@ -94,9 +99,11 @@ public:
     QProgressBar* totalBar() const { return ProgressBar_Total; }
     QLabel* infoValue(int entry) const { return lbl_InputFileValue.at(entry); }
     QLabel* preview() const { return picPreview; }
-    QComboBox* presetBox() const { return Cmd_OutputPreset; }
-    QComboBox* groupBox() const { return Cmd_OutputGroup; }
-    QComboBox* panelBox() const { return Cmd_OutputPanel; }
+    OutputBrowserView* browserView() const { return m_browserView; }
+    frmFormatSetting* settingsWindow() const { return m_settingsWindow; }
+    QMenu* fileListMenu() const { return mnuFileList; }
+    QMenu* renameMenu() const { return mnuRenameAll2; }
+    QMenu* themeMenu() const { return mnutheme; }
     frmReportList* reportWindow() const { return m_report; }
     QMenu* menu() const { return mnuMenu; }
     QAction* menuEntry(int index) const;
@@ -131,11 +138,12 @@ private:
     void openOutputFolder();
     void showCompletion();
     void loadBrowser();
-    void fillPresetBoxes();
-    void panelChosen(int index);
-    void makerChosen(int index);
-    void groupChosen(int index);
-    void presetChosen(int index);
+    void browserChanged();
+    void showPresetSettings();
+    void showSearch();
+    void toggleFavorite();
+    void renameAll(int operation);
+    void reloadIcons();
     void showPreferences();
     void showAbout();
     void contextMenu(const QPoint& globalPos);
@@ -160,13 +168,13 @@ private:
     QLabel* picPreview = nullptr;
     std::array<QLabel*, kInfoEntries> lbl_InputFileValue{};
     QToolButton* Cmd_PlayPreview = nullptr;
-    QComboBox* Cmd_OutputPanel = nullptr;
-    QComboBox* ListBox_MakerNames = nullptr;
-    QComboBox* Cmd_OutputGroup = nullptr;
-    QComboBox* Cmd_OutputPreset = nullptr;
-    QLabel* lbl_OutputSummary = nullptr;
+    OutputBrowserView* m_browserView = nullptr;
+    frmFormatSetting* m_settingsWindow = nullptr; // created once: its fields are the output parameters
     QMenu* mnuMenu = nullptr;
     QMenu* mnuFileList = nullptr;
+    QMenu* mnuRenameAll = nullptr;
+    QMenu* mnuRenameAll2 = nullptr;
+    QMenu* mnutheme = nullptr;
     QMenu* mnuPreview = nullptr;
     std::array<QAction*, 15> m_menuEntries{};
     QPointer<frmWait> m_wait;
@@ -177,7 +185,6 @@ private:
     QString TxtCommand_FirstTime;
     bool m_startUpDone = false;
     bool m_trayRequested = false;
-    bool m_fillingPresets = false;
     bool m_unloaded = false;
     int m_mainState = MainState_Empty;
     bool m_mainEnable = false;

@@ -6,21 +6,31 @@
 #include "FileList_Mods.h"
 #include "Folders_Mods.h"
 #include "Globals.h"
+#include "Group_Pictures.h"
 #include "Open_Folder.h"
+#include "OutputBrowserView.h"
+#include "Output_Names.h"
 #include "Preset_Mods.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
+#include "Skin_Theme.h"
 #include "frmAbout.h"
 #include "frmClose.h"
+#include "frmFormatSetting.h"
 #include "frmMain.h"
 #include "frmMain_Host.h"
 #include "frmMsg.h"
 #include "frmPreferences.h"
+#include "frmRename.h"
 #include "frmReportList.h"
+#include "frmSearch.h"
 #include "frmWait.h"
 #include "mMain.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QActionGroup>
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -67,15 +77,37 @@ void frmMain::buildMenus() {
     m_menuEntries[13]->setShortcut(QKeySequence::Preferences);
     addAction(m_menuEntries[13]);
 
+    // The theme menu, the current theme checked.
+    mnuMenu->addSeparator();
+    mnutheme = mnuMenu->addMenu(QStringLiteral("Theme"));
+    mnutheme->setObjectName(QStringLiteral("mnutheme"));
+    auto* themes = new QActionGroup(this);
+    themes->setExclusive(true);
+    for (auto [index, text] : {std::pair{1, "Light"}, std::pair{2, "Dark"}}) {
+        QAction* a = mnutheme->addAction(QString::fromLatin1(text));
+        a->setObjectName(QStringLiteral("mnutheme_%1").arg(index));
+        a->setCheckable(true);
+        themes->addAction(a);
+        connect(a, &QAction::triggered, this, [this, i = index] { mnutheme_Click(i); });
+    }
+
+    const auto runRename = [this](int operation) { renameAll(operation); };
+    mnuRenameAll = Build_RenameMenu(this, QStringLiteral("mnuRenameAll"), runRename);
+    mnuRenameAll->setTitle(QStringLiteral("Rename All"));
+    mnuRenameAll2 = Build_RenameMenu(this, QStringLiteral("mnuRenameAll2"), runRename);
+
+    // The list's context menu; its item indexes count the separators.
     mnuFileList = new QMenu(this);
     const std::pair<int, const char*> listEntries[] = {
-        {1, "Open file location..."}, {5, "Remove"}, {6, "Remove All"}};
+        {1, "Open file location..."}, {5, "Remove"}, {6, "Remove All"}, {8, "Rename..."}};
     for (auto [index, text] : listEntries) {
-        if (index == 5) mnuFileList->addSeparator();
+        if (index == 5 || index == 8) mnuFileList->addSeparator();
         QAction* a = mnuFileList->addAction(QString::fromLatin1(text));
         a->setObjectName(QStringLiteral("mnuFileList_%1").arg(index));
         connect(a, &QAction::triggered, this, [this, i = index] { mnuFileList_Click(i); });
     }
+    QAction* renameAll = mnuFileList->addMenu(mnuRenameAll);
+    renameAll->setObjectName(QStringLiteral("mnuFileList_9"));
 
     mnuPreview = new QMenu(this);
     QAction* remove = mnuPreview->addAction(QStringLiteral("Remove"));
@@ -105,10 +137,8 @@ void frmMain::setupConnections() {
     connect(Txt_OutputPath, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_converter->Txt_OutputPath = text; });
     connect(Chk_Merge, &QCheckBox::toggled, this, [this](bool on) { m_browser.mergeChecked = on; });
-    connect(Cmd_OutputPanel, &QComboBox::currentIndexChanged, this, &frmMain::panelChosen);
-    connect(ListBox_MakerNames, &QComboBox::currentIndexChanged, this, &frmMain::makerChosen);
-    connect(Cmd_OutputGroup, &QComboBox::currentIndexChanged, this, &frmMain::groupChosen);
-    connect(Cmd_OutputPreset, &QComboBox::currentIndexChanged, this, &frmMain::presetChosen);
+    connect(m_browserView, &OutputBrowserView::browserChanged, this, &frmMain::browserChanged);
+    connect(m_settingsWindow, &frmFormatSetting::presetsSaved, this, [this] { m_browserView->redraw(); });
 
     // Keyboard: add, select all and start, beside the list's own Delete and Shift+Delete.
     auto* add = new QShortcut(QKeySequence::Open, this);
@@ -159,7 +189,21 @@ void frmMain::Cmd_FileListView_Click(int index) {
     case Btn_BrowseOutput:
         chooseOutputFolder();
         break;
-    default: // the windows of the catalogue, the editor, the disc and the rename bring the rest
+    case Btn_Settings:
+        showPresetSettings();
+        break;
+    case Btn_Favorite:
+        toggleFavorite();
+        break;
+    case Btn_Search:
+        showSearch();
+        break;
+    case Btn_Rename:
+        if (Get_ConversionState() != Conversion_Idle) return;
+        mnuRenameAll2->popup(
+            Cmd_FileListView[Btn_Rename]->mapToGlobal(QPoint(0, Cmd_FileListView[Btn_Rename]->height())));
+        break;
+    default: // the editor and the disc bring the rest
         break;
     }
 }
@@ -219,7 +263,7 @@ void frmMain::showCompletion() {
     dialog.exec();
 }
 
-// ---- The output choice: the panel's groups and the open group's presets.
+// ---- The output choice: the browser, the preset settings, favorites and search.
 
 // The strips of the four panels, then the open panel with its remembered group pressed.
 void frmMain::loadBrowser() {
@@ -229,60 +273,103 @@ void frmMain::loadBrowser() {
     m_browser.ListBox_MakerNames.select(m_browser.MakerIndex);
     m_browser.Panel_BuildButtons(Panel_Devices, Trim_Spaces(m_browser.ListBox_MakerNames.selectedText()));
     m_browser.Favorites_Refresh();
-    if (m_browser.PanelActive == Panel_Favorites) m_browser.PanelActive = Panel_VideoFormats;
+    if (m_browser.PanelActive < Panel_VideoFormats || m_browser.PanelActive > Panel_Favorites)
+        m_browser.PanelActive = Panel_VideoFormats;
     m_browser.Panel_Show(m_browser.PanelActive);
-    fillPresetBoxes();
+    m_browserView->redraw();
+    browserChanged();
 }
 
-void frmMain::panelChosen(int index) {
-    if (m_fillingPresets || index < 0) return;
-    m_browser.Panel_Show(index);
-    fillPresetBoxes();
+// The controls around the browser that its rules switch: the merge box and the convert button.
+void frmMain::browserChanged() {
+    Chk_Merge->setVisible(m_browser.mergeVisible);
+    if (!m_browser.mergeChecked && Chk_Merge->isChecked()) Chk_Merge->setChecked(false);
+    if (Get_ConversionState() != Conversion_Idle) return;
+    Cmd_FileListView[Btn_Settings]->setEnabled(m_browser.settingsEnabled &&
+                                               !m_browser.favoritesMessageVisible);
+    if (m_browser.favoritesMessageVisible)
+        Cmd_FileListView[Btn_Convert]->setEnabled(false);
+    else if (m_table.rows() > 0)
+        Cmd_FileListView[Btn_Convert]->setEnabled(true);
 }
 
-void frmMain::makerChosen(int index) {
-    if (m_fillingPresets || index < 0) return;
-    m_browser.makerChanged(index);
-    fillPresetBoxes();
+void frmMain::showPresetSettings() {
+    if (Get_ConversionState() != Conversion_Idle || m_catalogue.Cmd_OutputPreset.count() == 0) return;
+    m_settingsWindow->showModal();
+    m_browserView->redraw();
+    browserChanged();
 }
 
-void frmMain::fillPresetBoxes() {
-    m_fillingPresets = true;
-    Cmd_OutputPanel->setCurrentIndex(m_browser.PanelActive);
-    ListBox_MakerNames->setVisible(m_browser.PanelActive == Panel_Devices);
-    ListBox_MakerNames->setCurrentIndex(static_cast<int>(m_browser.ListBox_MakerNames.selectedIndex()));
-    const ButtonStrip& strip = m_browser.strips[static_cast<std::size_t>(m_browser.PanelActive)];
-    Cmd_OutputGroup->clear();
-    for (const StripButton& b : strip.buttons)
-        Cmd_OutputGroup->addItem(b.caption);
-    Cmd_OutputGroup->setCurrentIndex(static_cast<int>(strip.checkedButton()));
-
-    const ValueList& presets = m_catalogue.Cmd_OutputPreset;
-    Cmd_OutputPreset->clear();
-    for (const ValueListItem& item : presets.items())
-        Cmd_OutputPreset->addItem(item.text);
-    Cmd_OutputPreset->setCurrentIndex(static_cast<int>(presets.selectedIndex()));
-    m_fillingPresets = false;
-
-    const QString extension = m_settings.Combo_OutputFile[List_Extension].selectedText();
-    const QString codec = m_settings.Combo_OutputFile[List_VideoCodec].selectedText();
-    const QString size = m_settings.Combo_OutputFile[List_FrameSize].selectedText();
-    QStringList parts;
-    for (const QString& p : {extension, codec, size})
-        if (!p.trimmed().isEmpty()) parts << p.trimmed();
-    lbl_OutputSummary->setText(parts.join(QStringLiteral("  ·  ")));
+void frmMain::showSearch() {
+    if (Get_ConversionState() != Conversion_Idle) return;
+    frmSearch dialog(
+        m_catalogue.ReportControl_PresetMain,
+        [this](const QString& name, const QString& maker, const QString& keyword) {
+            return m_browser.Preset_Select(name, maker, keyword);
+        },
+        this);
+    dialog.exec();
+    m_browserView->redraw();
+    browserChanged();
 }
 
-void frmMain::groupChosen(int index) {
-    if (m_fillingPresets || index < 0) return;
-    m_browser.Group_Open(m_browser.PanelActive, index);
-    fillPresetBoxes();
+void frmMain::toggleFavorite() {
+    if (Get_ConversionState() != Conversion_Idle) return;
+    m_browser.favoriteToggle();
+    m_browserView->redraw();
+    browserChanged();
 }
 
-void frmMain::presetChosen(int index) {
-    if (m_fillingPresets || index < 0) return;
-    m_browser.presetChanged(index);
-    fillPresetBoxes();
+void frmMain::mnutheme_Click(int index) {
+    if (index == Theme_No || (index != 1 && index != 2)) return; // the checked theme: nothing at all
+    Theme_No = index;
+    const QList<QAction*> items = mnutheme->actions();
+    for (QAction* a : items)
+        a->setChecked(a->objectName() == QStringLiteral("mnutheme_%1").arg(index));
+    const int result = Apply_Theme(*qApp, Theme_No);
+    Group_ClearCache();
+    reloadIcons();
+    // The format panels are rebuilt with the theme's pictures; the open groups stay pressed.
+    for (auto [panel, maker] :
+         {std::pair{Panel_VideoFormats, "VideoFormat"}, std::pair{Panel_AudioFormats, "AudioFormat"},
+          std::pair{Panel_WebFormats, "WebFormat"}}) {
+        const qsizetype checked = m_browser.strips.at(static_cast<size_t>(panel)).checkedButton();
+        m_browser.Panel_BuildButtons(panel, QString::fromLatin1(maker));
+        ButtonStrip& strip = m_browser.strips.at(static_cast<size_t>(panel));
+        if (checked >= 0 && checked < strip.buttons.size()) strip.buttons[checked].checked = true;
+    }
+    m_browserView->reloadTheme();
+    m_browserView->redraw();
+    m_settingsWindow->redraw();
+    Theme_ShowFailure(result);
+}
+
+void frmMain::mnuRenameAll_Click(int index) {
+    renameAll(RenameMenu_Operation(index));
+}
+
+void frmMain::renameAll(int operation) {
+    if (operation == 0 || Get_ConversionState() != Conversion_Idle) return;
+    RenameWindows dialogs(this);
+    Rename_All(m_table, operation, 1, dialogs);
+}
+
+// Pictures by role and the list's text colours follow the theme.
+void frmMain::reloadIcons() {
+    const QList<QAbstractButton*> buttons = findChildren<QAbstractButton*>();
+    for (QAbstractButton* b : buttons) {
+        const QString role = b->property("skinRole").toString();
+        if (!role.isEmpty()) b->setIcon(Skin_Icon(role));
+    }
+    m_list->setDropHint(Skin_Picture(QStringLiteral("img_dragmedia"), QSize(320, 200)));
+    const std::int32_t themeColor = Theme_No == 2 ? 0xFFFFFF : 0;
+    for (int row = 0; row < m_table.rows(); ++row)
+        for (int column : {FileCol::Name, FileCol::Status}) {
+            const std::int32_t color = m_table.color(row, column);
+            if (color == 0 || color == 0xFFFFFF) m_table.setColor(row, column, themeColor);
+        }
+    m_table.redraw();
+    syncConversionViews();
 }
 
 // ---- Menus.
@@ -349,6 +436,12 @@ void frmMain::mnuFileList_Click(int index) {
     case 6:
         Cmd_FileListView_Click(Btn_RemoveAll);
         break;
+    case 8: {
+        if (m_table.selectedRows().isEmpty()) return;
+        RenameWindows dialogs(this);
+        Rename_Selected(m_table, dialogs);
+        break;
+    }
     default:
         break;
     }

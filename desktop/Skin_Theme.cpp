@@ -1,14 +1,33 @@
 #include "Skin_Theme.h"
 
+#include "Globals.h"
 #include "Skin_Icons.h"
+#include "mMain.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QPalette>
+#include <QStyle>
 #include <QStyleFactory>
 
 namespace morvane {
 
 namespace {
+
+QString g_sheetRoot = QStringLiteral(":/skin/");
+
+// Reads a sheet; a permission failure is told apart from a missing or empty file.
+int readSheet(const QString& path, QString& text) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return file.error() == QFileDevice::PermissionsError ? Theme_Denied : Theme_Missing;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) return Theme_Missing;
+    text = QString::fromUtf8(bytes);
+    return Theme_Ok;
+}
 
 QPalette lightPalette() {
     QPalette p;
@@ -57,11 +76,58 @@ QPalette darkPalette() {
 
 } // namespace
 
-void Apply_Theme(QApplication& app, int themeNo) {
-    if (themeNo != 1 && themeNo != 2) return;
-    app.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+int Theme_StyleSheet(int themeNo, QString& styleSheet) {
+    styleSheet.clear();
+    if (themeNo != 1 && themeNo != 2) return Theme_Missing;
+    QString builtIn;
+    const int result = readSheet(
+        g_sheetRoot + (themeNo == 1 ? QStringLiteral("light.qss") : QStringLiteral("dark.qss")), builtIn);
+    if (result != Theme_Ok) return result;
+    if (builtIn.trimmed().isEmpty()) return Theme_Missing;
+    styleSheet = builtIn;
+
+    const QString folder =
+        Folder_Data + (themeNo == 1 ? QStringLiteral("Skin/Light/") : QStringLiteral("Skin/Dark/"));
+    const QFileInfo folderInfo(folder);
+    if (Folder_Data.isEmpty() || !folderInfo.exists()) return Theme_Ok;
+    if (!folderInfo.isReadable() || !folderInfo.isExecutable()) return Theme_Denied;
+    const QString userSheet = folder + QStringLiteral("style.qss");
+    if (!QFileInfo::exists(userSheet)) return Theme_Ok;
+    QString additions;
+    const int userResult = readSheet(userSheet, additions);
+    if (userResult != Theme_Ok) return userResult;
+    styleSheet += QLatin1Char('\n') + additions;
+    return Theme_Ok;
+}
+
+int Apply_Theme(QApplication& app, int themeNo) {
+    if (themeNo != 1 && themeNo != 2) return Theme_Ok;
+    Folder_Skin = Folder_Data + (themeNo == 1 ? QStringLiteral("Skin/Light/") : QStringLiteral("Skin/Dark/"));
+    if (app.style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) != 0)
+        app.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     app.setPalette(themeNo == 1 ? lightPalette() : darkPalette());
     Skin_ClearCache();
+    QString sheet;
+    const int result = Theme_StyleSheet(themeNo, sheet);
+    if (result == Theme_Ok) app.setStyleSheet(sheet);
+    return result;
+}
+
+void Theme_ShowFailure(int result) {
+    if (result == Theme_Ok) return;
+    if (result == Theme_Denied) {
+        Show_Message(QStringLiteral("You have been denied permission to access this folder."),
+                     MB_OK | MB_ICONEXCLAMATION, QStringLiteral("Error in loading..."));
+        return;
+    }
+    Show_Message(
+        QStringLiteral(
+            "Missing or corrupted resource files.\nPlease re-install the program to solve this problem."),
+        MB_OK | MB_ICONEXCLAMATION, QStringLiteral("Sorry!"));
+}
+
+void Theme_SetSheetRoot(const QString& root) {
+    g_sheetRoot = root;
 }
 
 } // namespace morvane

@@ -75,7 +75,7 @@ int main(int argc, char* argv[]) {
 
     // The theme is known only from the settings; the window reads them again as it loads.
     Load_Settings();
-    Apply_Theme(app, Theme_No);
+    Theme_ShowFailure(Apply_Theme(app, Theme_No));
 
     frmMain window;
     window.Form_Load(QApplication::arguments().mid(1));

@@ -268,7 +268,8 @@ TEST_F(BrowserTest, FavoritesToggleSaveAndRefresh) {
     EXPECT_EQ(browser.strips[Panel_Favorites].buttons.at(1).imageNumber, 5001);
     browser.Panel_Show(Panel_Favorites);
     EXPECT_FALSE(browser.favoritesMessageVisible);
-    EXPECT_EQ(listTexts(), QStringList({"MP4 SD", "MP4 HD", "[Custom]", "My own"}));
+    // The favorites panel offers the group's favorites only.
+    EXPECT_EQ(listTexts(), QStringList({"My own"}));
     EXPECT_EQ(catalogue.Cmd_OutputPreset.selectedIndex(), 0);
 
     // A favorite whose preset is deleted goes at the next refresh.

@@ -2,11 +2,13 @@
 // buttons, a conversion started, paused, resumed and stopped from the buttons with the real engine,
 // removal by keys, and the close. Dialogs are answered through the window's seams.
 #include "TempHome.h"
+#include "WaitFor.h"
 
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "Globals.h"
 #include "Open_Folder.h"
+#include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Report_List.h"
 #include "Sub_Main.h"
@@ -47,17 +49,6 @@ bool makeClip(const QString& path, int seconds, const QString& size = QStringLit
                             "-c:v", "mpeg4", "-c:a", "aac", "-shortest", path});
     return ffmpeg.waitForFinished(60000) && ffmpeg.exitStatus() == QProcess::NormalExit &&
            ffmpeg.exitCode() == 0;
-}
-
-// Runs the event loop until the condition holds or the time is up.
-bool waitFor(const std::function<bool()>& condition, int milliseconds) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > milliseconds) return false;
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
 }
 
 QString statusOf(frmMain& w, int row) {
@@ -140,7 +131,7 @@ TEST_F(MainWindow, LoadsEmptyAndAddsFilesThroughTheDialog) {
     EXPECT_FALSE(w->button(Btn_Convert)->isEnabled());
     EXPECT_FALSE(w->button(Btn_Stop)->isEnabled());
     EXPECT_TRUE(w->menuEntry(9)->isChecked()); // preview on after load
-    EXPECT_GT(w->presetBox()->count(), 0);
+    EXPECT_GT(w->browserView()->presetList()->count(), 0);
     EXPECT_EQ(w->infoValue(Info_AudioCodec)->text(), QStringLiteral("-"));
 
     // Cancel changes nothing.

@@ -1,9 +1,16 @@
+#include "Globals.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
+#include "Skin_Theme.h"
 
+#include <QDir>
+#include <QFile>
 #include <QIcon>
 #include <QImage>
 #include <QSet>
+#include <QTemporaryDir>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -178,4 +185,59 @@ TEST_F(SkinIcons, DesktopThemeIconsAreUsedOnlyWhereTheyStayLegible) {
     // A role without a standard name is ours whatever the theme.
     Theme_No = 1;
     EXPECT_TRUE(Skin_Icon("img_convert").name().isEmpty());
+}
+
+// The theme's sheet: built in, with the user's additions from the skin folder after it; a folder or
+// sheet that cannot be read, and built-in sheets that are missing, say why.
+TEST(SkinTheme, SheetsComeBuiltInWithTheUsersAdditions) {
+    const QString savedData = Folder_Data;
+    QTemporaryDir data;
+    ASSERT_TRUE(data.isValid());
+    Folder_Data = data.path() + QLatin1Char('/');
+
+    QString light, dark;
+    ASSERT_EQ(Theme_StyleSheet(1, light), Theme_Ok);
+    ASSERT_EQ(Theme_StyleSheet(2, dark), Theme_Ok);
+    EXPECT_NE(light, dark);
+    for (const QString& sheet : {light, dark}) {
+        EXPECT_TRUE(sheet.contains(QLatin1String("QToolButton#GroupButton:checked")));
+        EXPECT_TRUE(sheet.contains(QLatin1String("QPushButton[panelTab=\"true\"]:checked")));
+    }
+    QString none;
+    EXPECT_EQ(Theme_StyleSheet(3, none), Theme_Missing);
+    EXPECT_TRUE(none.isEmpty());
+
+    // Additions of the user's own apply to their theme only.
+    QDir().mkpath(Folder_Data + "Skin/Dark");
+    QFile user(Folder_Data + "Skin/Dark/style.qss");
+    ASSERT_TRUE(user.open(QIODevice::WriteOnly));
+    user.write("QLabel { color: #123456; }\n");
+    user.close();
+    QString withUser;
+    ASSERT_EQ(Theme_StyleSheet(2, withUser), Theme_Ok);
+    EXPECT_TRUE(withUser.startsWith(dark));
+    EXPECT_TRUE(withUser.endsWith(QLatin1String("QLabel { color: #123456; }\n")));
+    ASSERT_EQ(Theme_StyleSheet(1, light), Theme_Ok);
+    EXPECT_FALSE(light.contains(QLatin1String("#123456")));
+
+    // A folder that may not be read (meaningless for root, who reads anything).
+    if (geteuid() != 0) {
+        QFile::setPermissions(Folder_Data + "Skin/Dark", QFileDevice::Permissions());
+        QString denied;
+        EXPECT_EQ(Theme_StyleSheet(2, denied), Theme_Denied);
+        QFile::setPermissions(Folder_Data + "Skin/Dark",
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    }
+
+    // Built-in sheets that are not there, or empty.
+    QTemporaryDir root;
+    Theme_SetSheetRoot(root.path() + QLatin1Char('/'));
+    QString missing;
+    EXPECT_EQ(Theme_StyleSheet(1, missing), Theme_Missing);
+    QFile empty(root.filePath("dark.qss"));
+    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
+    empty.close();
+    EXPECT_EQ(Theme_StyleSheet(2, missing), Theme_Missing);
+    Theme_SetSheetRoot(QStringLiteral(":/skin/"));
+    Folder_Data = savedData;
 }

@@ -1,0 +1,467 @@
+// The output choice on the main window as a user makes it: the panels and their group buttons, the
+// device makers, the preset list and the remembered preset per button, favorites, the search, the
+// preset settings window with a new user preset, the rename menus, the lock while a job runs and the
+// theme switch. Modal windows are answered by a script that waits for them.
+#include "TempHome.h"
+#include "WaitFor.h"
+
+#include "FileViewMain.h"
+#include "Globals.h"
+#include "OutputBrowserView.h"
+#include "Registry_Mod.h"
+#include "Skin_Theme.h"
+#include "Sub_Main.h"
+#include "frmFormatSetting.h"
+#include "frmMain.h"
+#include "mMain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProcess>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+using namespace morvane;
+
+namespace {
+
+// Runs the script on the next modal window that opens (checked every 20 ms, for 10 s at most).
+void whenModal(std::function<void(QWidget*)> script, QWidget* notThis = nullptr) {
+    auto* timer = new QTimer;
+    auto started = std::make_shared<QElapsedTimer>();
+    started->start();
+    QObject::connect(timer, &QTimer::timeout, [timer, started, notThis, script = std::move(script)] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && modal != notThis && modal->isVisible()) {
+            timer->stop();
+            timer->deleteLater();
+            script(modal);
+        } else if (started->elapsed() > 10000) {
+            timer->stop();
+            timer->deleteLater();
+            ADD_FAILURE() << "no modal window opened";
+        }
+    });
+    timer->start(20);
+}
+
+template <typename T>
+T* child(QWidget* parent, const QString& name) {
+    T* found = parent->findChild<T*>(name);
+    EXPECT_NE(found, nullptr) << name.toStdString();
+    return found;
+}
+
+QStringList presetTexts(QComboBox* box) {
+    QStringList texts;
+    for (int i = 0; i < box->count(); ++i)
+        texts << box->itemText(i);
+    return texts;
+}
+
+int buttonOf(OutputBrowserView* view, int panel, const QString& caption) {
+    for (int i = 0; i < view->groupButtonCount(panel); ++i)
+        if (view->groupButton(panel, i)->toolTip() == caption) return i;
+    return -1;
+}
+
+bool makeClip(const QString& path) {
+    QProcess ffmpeg;
+    ffmpeg.start("ffmpeg", {"-nostdin", "-loglevel", "error", "-y", "-f", "lavfi", "-i",
+                            "testsrc2=size=160x120:rate=25:duration=1", "-f", "lavfi", "-i",
+                            "sine=frequency=440:sample_rate=44100:duration=1", "-c:v", "mpeg4", "-c:a", "aac",
+                            "-shortest", path});
+    return ffmpeg.waitForFinished(60000) && ffmpeg.exitCode() == 0;
+}
+
+} // namespace
+
+class BrowserWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(Sub_Main());
+        Path_Output = home.make("out");
+        Write_Setting(REGISTRY_PRODUCT, QStringLiteral("OutputPath"), Path_Output);
+        Set_MessageHandler([this](const QString& text, int, const QString& title, const QString&) {
+            messages << title + ": " + text;
+            return answer;
+        });
+        seams.openFiles = [this](const OpenDialogRequest&) { return nextChoice; };
+        seams.exitProcess = [](int) {};
+        seams.completion = [this] { ++completions; };
+    }
+    void TearDown() override {
+        Set_MessageHandler(nullptr);
+        Theme_SetSheetRoot(QStringLiteral(":/skin/"));
+    }
+
+    std::unique_ptr<frmMain> loadedWindow() {
+        auto w = std::make_unique<frmMain>(seams);
+        w->Form_Load();
+        w->resize(1200, 800);
+        w->show();
+        EXPECT_TRUE(waitFor([&] { return w->startUpDone(); }, 5000));
+        return w;
+    }
+
+    void addClips(frmMain& w, int count) {
+        ASSERT_TRUE(media.isValid());
+        nextChoice.clear();
+        for (int i = 0; i < count; ++i) {
+            const QString path = media.filePath(QStringLiteral("clip%1.mp4").arg(i + 1));
+            ASSERT_TRUE(makeClip(path));
+            nextChoice << path;
+        }
+        w.button(Btn_Add)->click();
+        ASSERT_TRUE(waitFor([&] { return w.table().rows() == count; }, 20000));
+    }
+
+    TempHome home;
+    QTemporaryDir media;
+    MainSeams seams;
+    QStringList nextChoice;
+    QStringList messages;
+    int answer = ID_YES;
+    int completions = 0;
+};
+
+TEST_F(BrowserWindow, PanelsGroupsAndPresetsFollowTheClicks) {
+    auto w = loadedWindow();
+    OutputBrowserView* view = w->browserView();
+    FormatSetting& settings = w->settings();
+
+    // The first panel is open with its remembered group pressed, and its first preset applied.
+    EXPECT_TRUE(view->panelButton(Panel_VideoFormats)->isChecked());
+    ASSERT_GT(view->groupButtonCount(Panel_VideoFormats), 20);
+    EXPECT_TRUE(view->groupButton(Panel_VideoFormats, 0)->isChecked());
+    EXPECT_FALSE(view->groupButton(Panel_VideoFormats, 0)->icon().isNull());
+    EXPECT_GT(view->presetList()->count(), 0);
+    EXPECT_EQ(view->presetList()->currentText(), w->catalogue().Cmd_OutputPreset.selectedText());
+
+    // Each panel shows its own strip, built from the preset table.
+    for (int panel : {Panel_Devices, Panel_AudioFormats, Panel_WebFormats, Panel_VideoFormats}) {
+        view->panelButton(panel)->click();
+        EXPECT_EQ(w->browser().PanelActive, panel);
+        EXPECT_EQ(view->groupButtonCount(panel), w->browser().strips.at(panel).buttons.size());
+        EXPECT_TRUE(view->strip(panel)->isVisible());
+    }
+
+    // A group press fills the preset list and applies the remembered preset to the settings.
+    const int avi = buttonOf(view, Panel_VideoFormats, QStringLiteral("AVI"));
+    ASSERT_GE(avi, 0);
+    view->groupButton(Panel_VideoFormats, avi)->click();
+    EXPECT_TRUE(view->groupButton(Panel_VideoFormats, avi)->isChecked());
+    EXPECT_FALSE(view->groupButton(Panel_VideoFormats, 0)->isChecked());
+    for (const QString& name : presetTexts(view->presetList()))
+        EXPECT_TRUE(name.startsWith(QStringLiteral("AVI")) || name == QStringLiteral("[Custom]"))
+            << name.toStdString();
+    EXPECT_EQ(settings.Txt_Keyword, QStringLiteral("AVI"));
+
+    // Picking a preset applies it; the button remembers it across panels.
+    const int pick = view->presetList()->count() - 1;
+    view->choosePreset(pick);
+    EXPECT_EQ(settings.Txt_ID, view->presetList()->itemData(pick).toString());
+    const QString picked = view->presetList()->currentText();
+    view->panelButton(Panel_AudioFormats)->click();
+    EXPECT_EQ(settings.Txt_Maker, QStringLiteral("AudioFormat"));
+    view->panelButton(Panel_VideoFormats)->click();
+    EXPECT_EQ(view->presetList()->currentText(), picked);
+    EXPECT_EQ(w->browser().PresetIndexVideo.at(static_cast<size_t>(avi)), pick);
+    // A second press on the pressed button changes nothing.
+    view->choosePreset(0);
+    view->groupButton(Panel_VideoFormats, avi)->click();
+    EXPECT_EQ(view->presetList()->currentIndex(), 0);
+
+    // GIF cannot be merged: the box goes and is cleared; other groups bring it back.
+    w->mergeBox()->setChecked(true);
+    view->groupButton(Panel_VideoFormats, buttonOf(view, Panel_VideoFormats, QStringLiteral("GIF")))->click();
+    EXPECT_FALSE(w->mergeBox()->isVisibleTo(w.get()));
+    EXPECT_FALSE(w->mergeBox()->isChecked());
+    view->groupButton(Panel_VideoFormats, 0)->click();
+    EXPECT_TRUE(w->mergeBox()->isVisibleTo(w.get()));
+
+    // Devices: another maker rebuilds the strip and opens its first group.
+    view->panelButton(Panel_Devices)->click();
+    EXPECT_TRUE(view->makerList()->isVisible());
+    const int samsung = view->makerList()->findText(QStringLiteral("Samsung"));
+    view->chooseMaker(samsung);
+    EXPECT_EQ(w->browser().MakerIndex, samsung);
+    EXPECT_TRUE(view->groupButton(Panel_Devices, 0)->isChecked());
+    EXPECT_EQ(view->groupButton(Panel_Devices, 0)->toolTip(),
+              w->browser().strips[Panel_Devices].buttons[0].caption);
+    EXPECT_EQ(settings.Txt_Maker, QStringLiteral("Samsung"));
+    for (std::int16_t index : w->browser().PresetIndexDevice)
+        EXPECT_EQ(index, 1);
+
+    // A long strip scrolls to the pressed button when its panel opens.
+    view->panelButton(Panel_VideoFormats)->click();
+    const int last = view->groupButtonCount(Panel_VideoFormats) - 1;
+    view->groupButton(Panel_VideoFormats, last)->click();
+    view->panelButton(Panel_WebFormats)->click();
+    view->panelButton(Panel_VideoFormats)->click();
+    QApplication::processEvents();
+    QScrollArea* strip = view->strip(Panel_VideoFormats);
+    const QRect shown(strip->horizontalScrollBar()->value(), 0, strip->viewport()->width(), 1);
+    EXPECT_TRUE(shown.contains(view->groupButton(Panel_VideoFormats, last)->geometry().right() - 5, 0));
+}
+
+TEST_F(BrowserWindow, FavoritesAddAndRemoveUpToTheLimit) {
+    auto w = loadedWindow();
+    addClips(*w, 1);
+    OutputBrowserView* view = w->browserView();
+    QPushButton* toggle = w->button(Btn_Favorite);
+
+    // No favorites: the message takes the strip's place and converting is off even with a file.
+    view->panelButton(Panel_Favorites)->click();
+    EXPECT_TRUE(view->favoritesMessage()->isVisible());
+    EXPECT_FALSE(view->presetList()->isVisible());
+    for (int index : {Btn_Settings, Btn_Favorite, Btn_Search})
+        EXPECT_FALSE(w->button(index)->isVisible()) << index;
+    EXPECT_FALSE(w->button(Btn_Convert)->isEnabled());
+
+    // Another panel: converting is back; the star adds the selected preset.
+    view->panelButton(Panel_WebFormats)->click();
+    EXPECT_TRUE(w->button(Btn_Convert)->isEnabled());
+    EXPECT_EQ(toggle->toolTip(), QStringLiteral("Add to favorites tab"));
+    const QString first = view->presetList()->currentText();
+    toggle->click();
+    EXPECT_EQ(toggle->toolTip(), QStringLiteral("Remove from favorites tab"));
+    EXPECT_TRUE(QFileInfo::exists(Folder_UserFavorite + File_UserFavorite));
+    view->panelButton(Panel_Favorites)->click();
+    EXPECT_FALSE(view->favoritesMessage()->isVisible());
+    EXPECT_EQ(view->groupButtonCount(Panel_Favorites), 1);
+    EXPECT_EQ(presetTexts(view->presetList()).count(first), 1);
+    EXPECT_TRUE(w->button(Btn_Convert)->isEnabled());
+
+    // Fill up to the limit from the video groups: the oldest gives way, the count stays.
+    view->panelButton(Panel_VideoFormats)->click();
+    int added = 1;
+    for (int button = 0; added < FAVORITE_MAX + 1 && button < view->groupButtonCount(Panel_VideoFormats);
+         ++button) {
+        view->groupButton(Panel_VideoFormats, button)->click();
+        for (int i = 0; i < view->presetList()->count() && added < FAVORITE_MAX + 1; ++i) {
+            view->choosePreset(i);
+            if (toggle->toolTip() != QStringLiteral("Add to favorites tab")) continue;
+            toggle->click();
+            ++added;
+        }
+    }
+    EXPECT_EQ(w->catalogue().ReportControl_FavoritesMain.rowCount(), FAVORITE_MAX);
+    view->panelButton(Panel_Favorites)->click();
+    EXPECT_EQ(presetTexts(view->presetList()).count(first), 0) << "the oldest favorite stays";
+
+    // Removing in the favorites panel redraws it; the last one leaves the message.
+    while (w->catalogue().ReportControl_FavoritesMain.rowCount() > 0) {
+        const int before = static_cast<int>(w->catalogue().ReportControl_FavoritesMain.rowCount());
+        toggle->click();
+        ASSERT_EQ(w->catalogue().ReportControl_FavoritesMain.rowCount(), before - 1);
+    }
+    EXPECT_TRUE(view->favoritesMessage()->isVisible());
+    EXPECT_FALSE(w->button(Btn_Convert)->isEnabled());
+}
+
+TEST_F(BrowserWindow, SearchBringsTheBrowserToADevicePreset) {
+    auto w = loadedWindow();
+    whenModal([&](QWidget* dialog) {
+        QTest::keyClicks(child<QLineEdit>(dialog, QStringLiteral("Txt_Search")),
+                         QStringLiteral("galaxy tab"));
+        child<QPushButton>(dialog, QStringLiteral("Cmd_Panels_0"))->click();
+    });
+    w->button(Btn_Search)->click();
+    OutputBrowserView* view = w->browserView();
+    EXPECT_EQ(w->browser().PanelActive, Panel_Devices);
+    EXPECT_TRUE(view->panelButton(Panel_Devices)->isChecked());
+    EXPECT_EQ(view->makerList()->currentText(), QStringLiteral("Samsung"));
+    const int checked = static_cast<int>(w->browser().strips[Panel_Devices].checkedButton());
+    ASSERT_GE(checked, 0);
+    EXPECT_EQ(view->groupButton(Panel_Devices, checked)->toolTip(), QStringLiteral("Galaxy Tab"));
+    EXPECT_TRUE(view->presetList()->currentText().contains(QStringLiteral("Galaxy Tab"), Qt::CaseInsensitive))
+        << view->presetList()->currentText().toStdString();
+    EXPECT_EQ(w->settings().Txt_Keyword, QStringLiteral("Galaxy Tab"));
+
+    // Escape closes without a choice.
+    whenModal([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    w->button(Btn_Search)->click();
+    EXPECT_EQ(w->browser().PanelActive, Panel_Devices);
+}
+
+TEST_F(BrowserWindow, SettingsWindowSavesAUserPresetThatTheBrowserOffers) {
+    auto w = loadedWindow();
+    OutputBrowserView* view = w->browserView();
+    view->groupButton(Panel_VideoFormats, buttonOf(view, Panel_VideoFormats, QStringLiteral("MKV")))->click();
+    const int before = view->presetList()->count();
+
+    whenModal([&](QWidget* settingsDialog) {
+        // A new preset through the name window, then keep the changes.
+        whenModal(
+            [](QWidget* nameDialog) {
+                auto* box = child<QLineEdit>(nameDialog, QStringLiteral("Txt_PresetName"));
+                QTest::keyClicks(box, QStringLiteral("My MKV"));
+                QTest::keyClick(box, Qt::Key_Return);
+            },
+            settingsDialog);
+        child<QPushButton>(settingsDialog, QStringLiteral("Cmd_PanelList_1"))->click();
+        child<QPushButton>(settingsDialog, QStringLiteral("Cmd_Panel_1"))->click();
+    });
+    w->button(Btn_Settings)->click();
+
+    ASSERT_EQ(view->presetList()->count(), before + 1);
+    EXPECT_TRUE(presetTexts(view->presetList()).contains(QStringLiteral("My MKV")));
+    EXPECT_TRUE(QFileInfo::exists(Folder_UserPreset + File_UserPreset));
+    const int mine = view->presetList()->findText(QStringLiteral("My MKV"));
+    view->choosePreset(mine);
+    EXPECT_TRUE(w->settings().Txt_ID.startsWith(QStringLiteral("User-")));
+    // The window stays, since its fields are the output parameters.
+    EXPECT_NE(w->settingsWindow(), nullptr);
+    EXPECT_FALSE(w->settingsWindow()->isVisible());
+}
+
+// The preset picked in the browser is what the conversion writes.
+TEST_F(BrowserWindow, TheChosenPresetDrivesTheConversion) {
+    auto w = loadedWindow();
+    addClips(*w, 1);
+    OutputBrowserView* view = w->browserView();
+    view->panelButton(Panel_AudioFormats)->click();
+    const int mp3 = buttonOf(view, Panel_AudioFormats, QStringLiteral("MP3"));
+    ASSERT_GE(mp3, 0);
+    view->groupButton(Panel_AudioFormats, mp3)->click();
+    view->choosePreset(0);
+    EXPECT_EQ(w->settings().Combo_OutputFile[List_AudioCodec].selectedText(), QStringLiteral("MP3"));
+
+    w->button(Btn_Convert)->click();
+    ASSERT_TRUE(waitFor([&] { return completions > 0 || !messages.isEmpty(); }, 60000));
+    ASSERT_EQ(completions, 1) << messages.join('\n').toStdString();
+    const QFileInfoList outputs = QDir(Path_Output).entryInfoList(QDir::Files);
+    ASSERT_EQ(outputs.size(), 1);
+    EXPECT_EQ(outputs.first().suffix().toLower(), QStringLiteral("mp3"));
+    QProcess probe;
+    probe.start("ffprobe", {"-v", "error", "-show_entries", "stream=codec_name", "-of", "csv=p=0",
+                            outputs.first().filePath()});
+    ASSERT_TRUE(probe.waitForFinished(30000));
+    EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()).trimmed(), QStringLiteral("mp3"));
+}
+
+TEST_F(BrowserWindow, ARunningJobLocksTheBrowserAndTheSettings) {
+    auto w = loadedWindow();
+    addClips(*w, 1);
+    OutputBrowserView* view = w->browserView();
+    w->Set_MainState(MainState_Converting, true);
+    EXPECT_FALSE(view->groupButton(Panel_VideoFormats, 1)->isEnabled());
+    EXPECT_FALSE(view->presetList()->isEnabled());
+    EXPECT_FALSE(view->makerList()->isEnabled());
+    EXPECT_FALSE(w->button(Btn_Settings)->isEnabled());
+    EXPECT_FALSE(
+        w->settingsWindow()->findChild<QComboBox*>(QStringLiteral("Combo_OutputFile_0"))->isEnabled());
+    view->pressPanel(Panel_AudioFormats);
+    EXPECT_EQ(w->browser().PanelActive, Panel_VideoFormats);
+    EXPECT_TRUE(view->panelButton(Panel_VideoFormats)->isChecked());
+
+    w->Set_MainState(MainState_Ready, true);
+    EXPECT_TRUE(view->groupButton(Panel_VideoFormats, 1)->isEnabled());
+    EXPECT_TRUE(view->presetList()->isEnabled());
+    EXPECT_TRUE(
+        w->settingsWindow()->findChild<QComboBox*>(QStringLiteral("Combo_OutputFile_0"))->isEnabled());
+    view->pressPanel(Panel_AudioFormats);
+    EXPECT_EQ(w->browser().PanelActive, Panel_AudioFormats);
+}
+
+TEST_F(BrowserWindow, RenameMenusRunOnTheList) {
+    auto w = loadedWindow();
+    addClips(*w, 2);
+    EXPECT_TRUE(w->button(Btn_Rename)->isVisible());
+    QMenu* menu = w->renameMenu();
+    const auto run = [&](int index) {
+        QAction* a = menu->findChild<QAction*>(QStringLiteral("mnuRenameAll2_%1").arg(index));
+        ASSERT_NE(a, nullptr) << index;
+        a->trigger();
+    };
+    run(4);
+    EXPECT_EQ(w->table().text(0, FileCol::Name), QStringLiteral("CLIP1"));
+    whenModal([](QWidget* dialog) {
+        QTest::keyClicks(child<QLineEdit>(dialog, QStringLiteral("Txt_AddBefore")), QStringLiteral("new_"));
+        child<QPushButton>(dialog, QStringLiteral("Cmd_Panel_1"))->click();
+    });
+    run(7);
+    EXPECT_EQ(w->table().text(1, FileCol::Name), QStringLiteral("new_CLIP2"));
+    run(11);
+    EXPECT_EQ(w->table().text(0, FileCol::Name), QStringLiteral("clip1"));
+    EXPECT_EQ(w->table().text(1, FileCol::Name), QStringLiteral("clip2"));
+
+    // The list's menu holds the single rename and the submenu.
+    EXPECT_NE(w->fileListMenu()->findChild<QAction*>(QStringLiteral("mnuFileList_8")), nullptr);
+    w->table().setSelectedRows({1});
+    whenModal([](QWidget* dialog) {
+        auto* box = child<QLineEdit>(dialog, QStringLiteral("Txt_AddNew"));
+        box->selectAll();
+        QTest::keyClicks(box, QStringLiteral("holiday"));
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    w->mnuFileList_Click(8);
+    EXPECT_EQ(w->table().text(1, FileCol::Name), QStringLiteral("holiday"));
+}
+
+TEST_F(BrowserWindow, ThemeSwitchRestylesAndKeepsTheChoice) {
+    auto w = loadedWindow();
+    addClips(*w, 1);
+    ASSERT_EQ(Theme_No, 2);
+    ASSERT_EQ(Apply_Theme(*qApp, Theme_No), Theme_Ok); // as the program does at start
+    QAction* light = w->themeMenu()->findChild<QAction*>(QStringLiteral("mnutheme_1"));
+    QAction* dark = w->themeMenu()->findChild<QAction*>(QStringLiteral("mnutheme_2"));
+    ASSERT_TRUE(light && dark);
+    EXPECT_TRUE(dark->isChecked());
+    const QString darkSheet = qApp->styleSheet();
+    EXPECT_FALSE(darkSheet.isEmpty());
+
+    // A name edited under Dark is white; the switch makes it readable on the light ground.
+    w->table().setColor(0, FileCol::Name, 0xFFFFFF);
+    OutputBrowserView* view = w->browserView();
+    const int pressed = static_cast<int>(w->browser().strips[Panel_VideoFormats].checkedButton());
+    const QImage darkPicture = view->groupButton(Panel_VideoFormats, 0)->icon().pixmap(44, 44).toImage();
+
+    light->trigger();
+    EXPECT_EQ(Theme_No, 1);
+    EXPECT_TRUE(light->isChecked());
+    EXPECT_FALSE(dark->isChecked());
+    EXPECT_NE(qApp->styleSheet(), darkSheet);
+    EXPECT_LT(qApp->palette().color(QPalette::Window).lightness(), 256);
+    EXPECT_GT(qApp->palette().color(QPalette::Window).lightness(), 200);
+    EXPECT_EQ(w->table().color(0, FileCol::Name), 0);
+    EXPECT_EQ(static_cast<int>(w->browser().strips[Panel_VideoFormats].checkedButton()), pressed);
+    EXPECT_TRUE(view->groupButton(Panel_VideoFormats, pressed)->isChecked());
+    EXPECT_NE(view->groupButton(Panel_VideoFormats, 0)->icon().pixmap(44, 44).toImage(), darkPicture);
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+
+    // The checked theme again: nothing happens.
+    const QString lightSheet = qApp->styleSheet();
+    light->trigger();
+    EXPECT_EQ(qApp->styleSheet(), lightSheet);
+    EXPECT_TRUE(light->isChecked());
+
+    // Sheets that cannot be found: the palette switches and the user is told.
+    Theme_SetSheetRoot(home.make("nothing-here"));
+    dark->trigger();
+    EXPECT_EQ(Theme_No, 2);
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages.first(), QStringLiteral("Sorry!: Missing or corrupted resource files.\n"
+                                               "Please re-install the program to solve this problem."));
+    EXPECT_LT(qApp->palette().color(QPalette::Window).lightness(), 100);
+
+    Theme_SetSheetRoot(QStringLiteral(":/skin/"));
+    Theme_ShowFailure(Apply_Theme(*qApp, 2));
+    EXPECT_EQ(messages.size(), 1);
+}
