@@ -193,6 +193,14 @@ QWidget* OutputBrowserView::buildPresetRow() {
     lbl_PresetSummary->setObjectName(QStringLiteral("lbl_PresetSummary"));
     lbl_PresetSummary->setForegroundRole(QPalette::PlaceholderText);
     row->addWidget(lbl_PresetSummary, 1);
+    // An empty favorites panel hides the row; its place is kept, so that the window does not jump.
+    for (QWidget* w : {static_cast<QWidget*>(lbl_PresetTitle), static_cast<QWidget*>(Cmd_OutputPreset),
+                       static_cast<QWidget*>(lbl_PresetSummary), static_cast<QWidget*>(m_favoriteButton),
+                       static_cast<QWidget*>(m_settingsButton), static_cast<QWidget*>(m_searchButton)}) {
+        QSizePolicy policy = w->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        w->setSizePolicy(policy);
+    }
     return rowWidget;
 }
 
