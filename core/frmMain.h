@@ -79,8 +79,6 @@ public:
     void mnuFileList_Click(int index);
     // The theme menu: 1 Light, 2 Dark.
     void mnutheme_Click(int index);
-    // The rename menus: the item index of mnuRenameAll / mnuRenameAll2.
-    void mnuRenameAll_Click(int index);
 
     // ---- Closing.
     bool Form_QueryUnload();

@@ -344,10 +344,6 @@ void frmMain::mnutheme_Click(int index) {
     Theme_ShowFailure(result);
 }
 
-void frmMain::mnuRenameAll_Click(int index) {
-    renameAll(RenameMenu_Operation(index));
-}
-
 void frmMain::renameAll(int operation) {
     if (operation == 0 || Get_ConversionState() != Conversion_Idle) return;
     RenameWindows dialogs(this);
