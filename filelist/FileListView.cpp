@@ -143,6 +143,16 @@ public:
             const QIcon icon = icons(image);
             QRect target(0, 0, kIconSize, kIconSize);
             target.moveCenter(opt.rect.center());
+            // The running spinner is drawn in the accent colour, which the selection's highlight
+            // swallows: a disc in the highlighted text's colour keeps it visible.
+            if ((opt.state & QStyle::State_Selected) && image >= 1 && image <= 9) {
+                painter->save();
+                painter->setRenderHint(QPainter::Antialiasing);
+                painter->setPen(Qt::NoPen);
+                painter->setBrush(opt.palette.color(QPalette::HighlightedText));
+                painter->drawEllipse(QRectF(target).adjusted(-1.5, -1.5, 1.5, 1.5));
+                painter->restore();
+            }
             icon.paint(painter, target.intersected(opt.rect), Qt::AlignCenter);
             return;
         }

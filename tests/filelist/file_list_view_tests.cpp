@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
@@ -318,6 +319,32 @@ TEST(FileListView, StatusCellPaintsProgressIconsAndColours) {
     image = s.picture();
     EXPECT_EQ(pixel(image, iconCell.center().x(), iconCell.center().y()), QColor(Qt::magenta));
     EXPECT_NE(pixel(image, iconCell.left(), iconCell.top()), QColor(Qt::magenta));
+}
+
+// A selected running row keeps its spinner readable on the highlight; other icons need no ground.
+TEST(FileListView, SelectedRunningRowGetsAGroundUnderItsSpinner) {
+    Shown s(2);
+    s.list.setStateIcons([](int) {
+        QPixmap picture(16, 16);
+        picture.fill(Qt::transparent);
+        QPainter p(&picture);
+        p.fillRect(6, 6, 4, 4, QColor(0x00, 0x7a, 0xff));
+        return QIcon(picture);
+    });
+    Set_RowState(s.table, 0, true, State_Converting);
+    Set_RowState(s.table, 1, true, State_Done);
+    const auto besideTheIcon = [&](int row) {
+        const QRect cell = s.cell(row, FileCol::Icon);
+        return pixel(s.picture(), cell.center().x() + 5, cell.center().y());
+    };
+    const QColor highlight = s.view()->palette().color(QPalette::Highlight);
+    const QColor ground = s.view()->palette().color(QPalette::HighlightedText);
+    s.table.setSelectedRows({0});
+    QApplication::processEvents();
+    EXPECT_EQ(besideTheIcon(0), ground);
+    s.table.setSelectedRows({1});
+    QApplication::processEvents();
+    EXPECT_EQ(besideTheIcon(1), highlight);
 }
 
 TEST(FileListView, FooterStripShowsTotalsUnderTheirColumns) {
