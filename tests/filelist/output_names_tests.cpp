@@ -1,3 +1,4 @@
+#include "NameRows.h"
 #include "Output_Names.h"
 
 #include <QDir>
@@ -42,21 +43,6 @@ struct ScriptedDialogs : RenameDialogs {
         if (!cancelRename) Rename_NewName = newName;
     }
 };
-
-void addRow(FileViewMain& table, const QString& name, const QString& fileName) {
-    const int r = table.addRow();
-    table.setText(r, FileCol::Name, name);
-    table.setText(r, FileCol::FilePath, QStringLiteral("/src/"));
-    table.setText(r, FileCol::FileName, fileName);
-    table.setText(r, FileCol::CropTop, QStringLiteral("8"));
-}
-
-QStringList names(const FileViewMain& table) {
-    QStringList out;
-    for (int r = 0; r < table.rows(); ++r)
-        out.append(table.text(r, FileCol::Name));
-    return out;
-}
 
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "FileListView.h"
+#include "NameRows.h"
 #include "frmRename.h"
 
 #include <QAction>
@@ -69,21 +70,6 @@ private:
     QTimer m_poll;
     QList<std::function<void(QDialog&)>> m_scripts;
 };
-
-void addRow(FileViewMain& table, const QString& name, const QString& fileName) {
-    const int r = table.addRow();
-    table.setText(r, FileCol::Name, name);
-    table.setText(r, FileCol::FilePath, QStringLiteral("/videos/"));
-    table.setText(r, FileCol::FileName, fileName);
-    table.setText(r, FileCol::CropTop, QStringLiteral("8"));
-}
-
-QStringList names(const FileViewMain& table) {
-    QStringList out;
-    for (int r = 0; r < table.rows(); ++r)
-        out.append(table.text(r, FileCol::Name));
-    return out;
-}
 
 } // namespace
 
