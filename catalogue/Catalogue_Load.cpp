@@ -2,7 +2,9 @@
 
 #include "Globals.h"
 #include "Table_Files.h"
+#include "mMain.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,6 +31,41 @@ void writeOut(const QString& path, const QByteArray& bytes) {
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) file.write(bytes);
 }
 
+// A copy of a file that cannot be loaded, beside it, before a save of the user's can replace it.
+// An older copy is never overwritten; one with the same bytes already is the copy. "" when none
+// could be made.
+QString keepCopy(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return QString();
+    const QByteArray bytes = file.readAll();
+    const QFileInfo info(path);
+    const QString prefix = info.fileName() + QStringLiteral(".corrupt-");
+    for (const QFileInfo& older : info.dir().entryInfoList({prefix + QLatin1Char('*')}, QDir::Files)) {
+        QFile copy(older.filePath());
+        if (copy.open(QIODevice::ReadOnly) && copy.readAll() == bytes) return older.filePath();
+    }
+    const QString stamped = path + QStringLiteral(".corrupt-") +
+                            QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString target = stamped;
+    for (int n = 2; QFileInfo::exists(target) || QFileInfo(target).isSymLink(); ++n)
+        target = stamped + QLatin1Char('-') + QString::number(n);
+    return file.copy(target) ? target : QString();
+}
+
+// The user's own file, taken whole or not at all: a damaged one never turns into blank rows. The
+// file stays where it is, with a copy beside it, and the user is told what was left out and why.
+void loadUserFile(CatalogueTable& table, const QString& path, int mode, const QString& what) {
+    if (!QFileInfo::exists(path)) return;
+    const QString problem = Table_LoadWhole(table, path, mode, true);
+    if (problem.isEmpty()) return;
+    const QString copy = keepCopy(path);
+    Show_Message(QStringLiteral("Your %1 in '%2' cannot be loaded (%3) and are left out. %4")
+                     .arg(what, path, problem,
+                          copy.isEmpty() ? QStringLiteral("No copy of the file could be kept.")
+                                         : QStringLiteral("A copy of the file is kept as '%1'.").arg(copy)),
+                 MB_OK | MB_ICONEXCLAMATION, QString());
+}
+
 } // namespace
 
 QByteArray Shipped_FormatTable() {
@@ -52,12 +89,10 @@ void Catalogue_Load(Catalogue& catalogue) {
     QFile::remove(formatPath);
     QFile::remove(presetPath);
 
-    const QString userPresets = Folder_UserPreset + File_UserPreset;
-    if (QFileInfo::exists(userPresets))
-        Table_LoadFile(catalogue.ReportControl_PresetMain, userPresets, TableLoad_Append, true);
-    const QString favorites = Folder_UserFavorite + File_UserFavorite;
-    if (QFileInfo::exists(favorites))
-        Table_LoadFile(catalogue.ReportControl_FavoritesMain, favorites, TableLoad_Replace, true);
+    loadUserFile(catalogue.ReportControl_PresetMain, Folder_UserPreset + File_UserPreset, TableLoad_Append,
+                 QStringLiteral("presets"));
+    loadUserFile(catalogue.ReportControl_FavoritesMain, Folder_UserFavorite + File_UserFavorite,
+                 TableLoad_Replace, QStringLiteral("favorites"));
 }
 
 } // namespace morvane

@@ -15,7 +15,8 @@ QByteArray Shipped_FormatTable();
 QByteArray Shipped_PresetTable();
 
 // Needs Folder_Temp, the user preset and favorites paths and Catalogue_Passphrase set. Failures are
-// told to the user by the table loader and never stop the start.
+// told to the user and never stop the start. A user file that is damaged is left out whole, and a
+// copy of it is kept beside it as "<name>.corrupt-YYYYMMDD-HHMMSS".
 void Catalogue_Load(Catalogue& catalogue);
 
 } // namespace morvane

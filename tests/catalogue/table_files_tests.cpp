@@ -1,16 +1,45 @@
 #include "CatalogueTable.h"
+#include "Catalogue_Load.h"
 #include "Encrypt_Mod.h"
+#include "Globals.h"
 #include "Table_Files.h"
+#include "Table_Io.h"
 #include "mMain.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace morvane;
 
 namespace {
+
+// Writes past `bytes` fail as on a full disk (EFBIG instead of ENOSPC), for the whole process.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        rlimit limit = m_old;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_old{};
+    void (*m_handler)(int) = SIG_DFL;
+};
 
 class TableFilesTest : public ::testing::Test {
 protected:
@@ -203,17 +232,11 @@ TEST_F(TableFilesTest, FailuresAreShownAndKeepWhatWasRead) {
     EXPECT_EQ(messages.size(), 4);
     EXPECT_EQ(bare.columnCount(), 0);
 
-    // Saving a table without columns fails after the file was opened, which emptied it.
-    writeRaw(path("old.dat"), "previous contents");
-    Table_SaveFile(CatalogueTable(), path("old.dat"), true);
-    EXPECT_EQ(messages.size(), 5);
-    EXPECT_EQ(readRaw(path("old.dat")), "");
-
     // A folder where the file should be cannot be written or read.
     QDir().mkpath(path("folder.dat"));
     Table_SaveFile(presetTable(), path("folder.dat"), true);
     Table_LoadFile(table, path("folder.dat"), TableLoad_Replace, true);
-    EXPECT_EQ(messages.size(), 7);
+    EXPECT_EQ(messages.size(), 6);
 }
 
 TEST_F(TableFilesTest, LinesThatDoNotDecipherBecomeGarbledRecords) {
@@ -229,4 +252,140 @@ TEST_F(TableFilesTest, LinesThatDoNotDecipherBecomeGarbledRecords) {
     EXPECT_EQ(loaded.rowCount(), 4);
     EXPECT_EQ(loaded.records().at(2), QStringList({"", "", ""}));
     EXPECT_EQ(loaded.records().at(3), QStringList({"", "", ""}));
+}
+
+TEST_F(TableFilesTest, AFailedSaveKeepsThePreviousFileWhole) {
+    CatalogueTable big = presetTable();
+    for (int i = 0; i < 100; ++i)
+        addRow(big, {QString::number(i), "A preset with a long enough name", "Yes"});
+    const struct {
+        const char* what;
+        CatalogueTable table;
+        bool fullDisk;
+    } cases[] = {{"no columns", CatalogueTable(), false}, {"full disk", big, true}};
+    for (const auto& c : cases) {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("user.dat");
+        writeRaw(file, "previous contents");
+        messages.clear();
+        {
+            const FileSizeLimit limit(c.fullDisk ? 4096 : RLIM_INFINITY);
+            Table_SaveFile(c.table, file, true);
+            Table_SaveUserRows(c.table, file, true);
+        }
+        EXPECT_EQ(messages.size(), 2) << c.what;
+        EXPECT_TRUE(messages.value(0).contains(file)) << c.what;
+        EXPECT_EQ(readRaw(file), "previous contents") << c.what;
+        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList({"user.dat"})) << c.what;
+    }
+}
+
+TEST_F(TableFilesTest, FilesOverTheSizeLimitAreRefusedByName) {
+    QFile huge(path("huge.dat"));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(huge.resize(TableFile_MaxBytes + 1)); // sparse: no disk space used
+    huge.close();
+    CatalogueTable table = presetTable();
+    Table_LoadFile(table, path("huge.dat"), TableLoad_Append, true);
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.last().contains(path("huge.dat")));
+    EXPECT_TRUE(messages.last().contains("larger than 64 MiB")) << messages.last().toStdString();
+    EXPECT_TRUE(Table_LoadWhole(table, path("huge.dat"), TableLoad_Append, true).contains("64 MiB"));
+    EXPECT_EQ(table.rowCount(), 0);
+}
+
+TEST_F(TableFilesTest, WholeLoadRefusesDamagedFilesAndTakesGoodOnesAsBefore) {
+    CatalogueTable user = presetTable();
+    addRow(user, {"User-1", "Mine, 720p", "Yes"});
+    addRow(user, {"User-2", "", "Yes"});
+    Table_SaveFile(user, path("good.dat"), true);
+    const QByteArray good = readRaw(path("good.dat"));
+    const QList<QByteArray> lines = good.split('\n');
+    const auto enciphered = [](const char* text) {
+        return Line_Encipher(QString::fromUtf8(text)).toLatin1();
+    };
+    const struct {
+        const char* what;
+        QByteArray bytes;
+        int mode;
+        const char* problem;
+    } cases[] = {
+        {"empty", "", TableLoad_Append, "the file is empty"},
+        {"not hex", lines.at(0) + "\nZZZZ\r\n", TableLoad_Append, "line 2 does not decipher"},
+        {"hex of nothing", lines.at(0) + "\n0123456789ABCDEF0123456789ABCDEF\r\n", TableLoad_Append,
+         "line 2 does not decipher"},
+        {"blank line", lines.at(0) + "\n\r\n" + lines.at(1), TableLoad_Append, "line 2 does not decipher"},
+        {"no quotes", lines.at(0) + "\n" + enciphered("User-3,Plain") + "\r\n", TableLoad_Replace,
+         "line 2 is not a list of quoted fields"},
+        {"half quoted", enciphered("\"ID\",Name\"") + "\r\n", TableLoad_Replace,
+         "line 1 is not a list of quoted fields"},
+        {"short record", lines.at(0) + "\n" + enciphered("\"User-3\",\"x\"") + "\r\n", TableLoad_Replace,
+         "line 2 has 2 fields, the header has 3"},
+        {"wider than the table", enciphered("\"A\",\"B\",\"C\",\"D\"") + "\r\n", TableLoad_Append,
+         "the file has 4 columns, the table has 3"},
+    };
+    for (const auto& c : cases) {
+        writeRaw(path("bad.dat"), c.bytes);
+        CatalogueTable table = presetTable();
+        addRow(table, {"1", "Built-in", "No"});
+        EXPECT_EQ(Table_LoadWhole(table, path("bad.dat"), c.mode, true), c.problem) << c.what;
+        EXPECT_EQ(columnNames(table), QStringList({"ID", "Name", "Removable"})) << c.what;
+        EXPECT_EQ(table.rowCount(), 1) << c.what;
+    }
+    // A good file gives the same table as the ordinary load, in both modes.
+    for (const int mode : {TableLoad_Replace, TableLoad_Append}) {
+        CatalogueTable whole = presetTable();
+        CatalogueTable ordinary = presetTable();
+        EXPECT_EQ(Table_LoadWhole(whole, path("good.dat"), mode, true), "");
+        Table_LoadFile(ordinary, path("good.dat"), mode, true);
+        EXPECT_EQ(columnNames(whole), columnNames(ordinary));
+        EXPECT_EQ(whole.records(), ordinary.records());
+        EXPECT_EQ(whole.refreshCount(), 1);
+    }
+    EXPECT_TRUE(messages.isEmpty());
+}
+
+TEST_F(TableFilesTest, DamagedUserFilesAreLeftOutWithACopyKept) {
+    Folder_Temp = path("temp/");
+    Folder_UserPreset = path("presets/");
+    File_UserPreset = "UserPreset.dat";
+    Folder_UserFavorite = path("favorites/");
+    File_UserFavorite = "Favorites.dat";
+    QDir().mkpath(Folder_UserPreset);
+    QDir().mkpath(Folder_UserFavorite);
+    Set_MessageHandler([this](const QString& text, int, const QString&, const QString&) {
+        messages << text;
+        return ID_OK;
+    });
+    Catalogue clean;
+    Catalogue_Load(clean);
+    ASSERT_TRUE(messages.isEmpty());
+
+    const QString presets = Folder_UserPreset + File_UserPreset;
+    const QString favorites = Folder_UserFavorite + File_UserFavorite;
+    Table_SaveFile(clean.ReportControl_PresetMain, favorites, true);
+    const QByteArray damaged = readRaw(favorites).split('\n').at(0) + "\nGARBAGE\r\n";
+    writeRaw(presets, damaged);
+    writeRaw(favorites, damaged);
+    writeRaw(presets + ".corrupt-19990101-000000", "an older copy");
+    for (int start = 0; start < 2; ++start) {
+        messages.clear();
+        Catalogue catalogue;
+        Catalogue_Load(catalogue);
+        ASSERT_EQ(messages.size(), 2);
+        EXPECT_TRUE(messages.at(0).contains(presets + "' cannot be loaded (line 2 does not decipher)"))
+            << messages.at(0).toStdString();
+        EXPECT_TRUE(messages.at(1).contains(favorites));
+        // The built-in rows load as without the files; no blank rows, no favorites.
+        EXPECT_EQ(catalogue.ReportControl_PresetMain.records(), clean.ReportControl_PresetMain.records());
+        EXPECT_EQ(catalogue.ReportControl_FavoritesMain.rowCount(), 0);
+        // One copy of each, the same bytes, beside the file that stays; older copies untouched.
+        const QStringList copies = QDir(Folder_UserPreset).entryList({"UserPreset.dat.corrupt-*"});
+        ASSERT_EQ(copies.size(), 2) << copies.join(' ').toStdString();
+        EXPECT_EQ(readRaw(Folder_UserPreset + copies.at(0)), "an older copy");
+        EXPECT_EQ(readRaw(Folder_UserPreset + copies.at(1)), damaged);
+        EXPECT_TRUE(messages.at(0).contains(Folder_UserPreset + copies.at(1)));
+        EXPECT_EQ(QDir(Folder_UserFavorite).entryList({"Favorites.dat.corrupt-*"}).size(), 1);
+        EXPECT_EQ(readRaw(presets), damaged);
+    }
 }
