@@ -3,27 +3,34 @@
 // read and write table files by hand.
 
 #include "Encrypt_Mod.h"
+#include "Table_Io.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QFile>
-#include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 using namespace morvane;
 
 namespace {
 
-void printOut(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-}
-
 int fail(const QString& message) {
     std::fprintf(stderr, "morvane-table: %s\n", message.toUtf8().constData());
     return 1;
+}
+
+// Standard output may be a file on a full disk: a short write is a failure, not a success.
+int printOut(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    if (std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout) ==
+            static_cast<size_t>(bytes.size()) &&
+        std::fflush(stdout) == 0)
+        return 0;
+    return fail(QStringLiteral("cannot write the output: ") + QString::fromLocal8Bit(std::strerror(errno)));
 }
 
 int usage() {
@@ -38,22 +45,16 @@ int usage() {
 }
 
 bool readFile(const QString& path, QByteArray& contents, QString& error) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("cannot read '%1': %2").arg(path, file.errorString());
-        return false;
-    }
-    contents = file.readAll();
-    return true;
+    const QString reason = Read_TableBytes(path, contents);
+    if (!reason.isEmpty()) error = QStringLiteral("cannot read '%1': %2").arg(path, reason);
+    return reason.isEmpty();
 }
 
+// All or nothing: a failure (a full disk) leaves no partial file and keeps an older one whole.
 bool writeFile(const QString& path, const QByteArray& contents, QString& error) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(contents) != contents.size()) {
-        error = QStringLiteral("cannot write '%1': %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
+    const QString reason = Write_TableBytes(path, contents);
+    if (!reason.isEmpty()) error = QStringLiteral("cannot write '%1': %2").arg(path, reason);
+    return reason.isEmpty();
 }
 
 // Lines ended by CR LF (or a bare LF from a hand-edited file); a final line end adds no line.
@@ -66,13 +67,18 @@ QStringList splitLines(const QByteArray& contents) {
 }
 
 // A line that the cipher really produced: an even count of hex digits, at least one byte of text.
+// A plain loop: a pattern match backtracks on every pair and gives up on lines of megabytes.
 QString checkHex(const QString& hex) {
-    static const QRegularExpression hexOnly(QStringLiteral("^([0-9A-Fa-f]{2})+$"));
     QString digits = hex.trimmed();
     if (digits.startsWith(QStringLiteral("&H"), Qt::CaseInsensitive)) digits = digits.mid(2);
     if (digits.size() % 2 != 0)
         return QStringLiteral("the hexadecimal text has an odd number of digits (%1)").arg(digits.size());
-    if (!hexOnly.match(digits).hasMatch()) return QStringLiteral("the text is not hexadecimal");
+    const auto isHexDigit = [](QChar c) {
+        const char16_t u = c.unicode();
+        return (u >= '0' && u <= '9') || (u >= 'A' && u <= 'F') || (u >= 'a' && u <= 'f');
+    };
+    if (!std::all_of(digits.cbegin(), digits.cend(), isHexDigit))
+        return QStringLiteral("the text is not hexadecimal");
     if (digits.size() < 18)
         return QStringLiteral("the line is too short to be enciphered (%1 digits)").arg(digits.size());
     return QString();
@@ -116,8 +122,7 @@ int decode(const QString& path) {
             return fail(QStringLiteral("%1, line %2: %3").arg(path).arg(i + 1).arg(error));
         out += text + QStringLiteral("\r\n");
     }
-    printOut(out);
-    return 0;
+    return printOut(out);
 }
 
 // The block is kept as two literals that the program joins, so that no single literal grows too long.
@@ -148,15 +153,13 @@ int main(int argc, char* argv[]) {
         const QString hex = Line_Encipher(args.at(1));
         if (hex.isEmpty() && !args.at(1).isEmpty())
             return fail(QStringLiteral("the text could not be enciphered"));
-        printOut(hex + QLatin1Char('\n'));
-        return 0;
+        return printOut(hex + QLatin1Char('\n'));
     }
     if (command == QLatin1String("decipher-line") && args.size() == 2) {
         QString text;
         QString error;
         if (!decipherChecked(args.at(1), text, error)) return fail(error);
-        printOut(text + QLatin1Char('\n'));
-        return 0;
+        return printOut(text + QLatin1Char('\n'));
     }
     if (command == QLatin1String("encode") && args.size() == 3) return encode(args.at(1), args.at(2));
     if (command == QLatin1String("decode") && args.size() == 2) return decode(args.at(1));

@@ -41,6 +41,28 @@ printf 'GARBAGE\r\n' > "$work/bad.dat"
 "$tool" decode "$work/bad.dat" >/dev/null 2>"$work/err"; rc=$?
 [ $rc -eq 1 ] && grep -q "line 1" "$work/err"; check "a bad line is reported with its number" $?
 "$tool" encode "$work/plain.txt" "$work/no/such/dir/out.dat" 2>/dev/null; [ $? -eq 1 ]; check "an unwritable output fails" $?
+# Lines of any length that the tool writes it reads back; inputs too large to be tables are refused.
+awk 'BEGIN { printf "\"ID\",\"Name\"\r\n\"1\",\""; for (i = 0; i < 20000; i++) printf "%0100d", i; printf "\"\r\n" }' >"$work/long.txt"
+"$tool" encode "$work/long.txt" "$work/long.dat" && cmp -s <("$tool" decode "$work/long.dat") "$work/long.txt"
+check "a 2 MB line comes back unchanged" $?
+truncate -s 65M "$work/huge.dat"
+for command in "encode $work/huge.dat $work/huge.out" "decode $work/huge.dat"; do
+    "$tool" $command >/dev/null 2>"$work/err"; rc=$?
+    [ $rc -eq 1 ] && grep -q "huge.dat.*larger than 64 MiB" "$work/err" && [ ! -e "$work/huge.out" ]
+    check "${command%% *} refuses a file over 64 MiB by name" $?
+done
+
+# A full disk leaves no partial file: an older output stays whole and no temporary file is left.
+ln -s /dev/full "$work/full.dat"
+"$tool" encode "$work/plain.txt" "$work/full.dat" 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "full.dat.*No space left on device" "$work/err"; check "encode onto a full device fails" $?
+"$tool" decode "$work/table.dat" >/dev/full 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "No space left" "$work/err"; check "decode onto a full device fails" $?
+mkdir "$work/disk" && echo "older table" >"$work/disk/out.dat"
+(ulimit -f 64; trap '' XFSZ; "$tool" encode "$work/long.txt" "$work/disk/out.dat" 2>"$work/err"); rc=$?
+[ $rc -eq 1 ] && [ "$(cat "$work/disk/out.dat")" = "older table" ] && [ "$(ls "$work/disk")" = "out.dat" ]
+check "a write that runs out of room keeps the older output whole" $?
+
 "$tool" frobnicate 2>/dev/null; [ $? -eq 2 ]; check "an unknown command is a usage error" $?
 
 passed=$(( checks - failures ))
