@@ -10,6 +10,11 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <cstring>
+
+#include <sys/stat.h>
+
 namespace morvane {
 
 namespace {
@@ -85,13 +90,31 @@ void Init_Folders() {
 }
 
 bool Ensure_OutputFolder(QString& outputBoxText) {
+    QString reason;
+    return Ensure_OutputFolder(outputBoxText, reason);
+}
+
+bool Ensure_OutputFolder(QString& outputBoxText, QString& reason) {
+    reason.clear();
     if (Trim_Spaces(outputBoxText).isEmpty()) outputBoxText = Get_SpecialFolder(CSIDL_PERSONAL);
     const QString folder = Trim_Spaces(outputBoxText);
-    if (folder.isEmpty()) return false;
+    if (folder.isEmpty()) {
+        reason = QStringLiteral("no output folder is given and there is no documents folder to use");
+        return false;
+    }
     if (QFileInfo(folder).isDir()) return true;
-    if (QFileInfo::exists(folder)) return false; // a file stands where the folder should be
+    if (QFileInfo::exists(folder)) {
+        reason = QStringLiteral("the output folder '%1' is a file").arg(folder);
+        return false;
+    }
     // One level only: a missing parent is the user's mistake to see, not ours to paper over.
-    return QDir().mkdir(folder);
+    if (::mkdir(QFile::encodeName(folder).constData(), 0777) == 0) return true;
+    const int error = errno;
+    reason = error == ENOENT
+                 ? QStringLiteral("the folder above the output folder '%1' does not exist").arg(folder)
+                 : QStringLiteral("cannot make the output folder '%1': %2")
+                       .arg(folder, QString::fromLocal8Bit(std::strerror(error)));
+    return false;
 }
 
 QString Move_File(const QString& source, const QString& target) {

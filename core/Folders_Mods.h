@@ -27,6 +27,9 @@ void Init_Folders();
 // Makes sure the folder in the output box exists, creating one level; an empty box becomes the
 // documents folder. Returns false on any failure, without a message.
 bool Ensure_OutputFolder(QString& outputBoxText);
+// The same, with why it failed in `reason`, naming the folder: a file stands in its place, its parent
+// does not exist, or the system's words for why it cannot be made ("Permission denied").
+bool Ensure_OutputFolder(QString& outputBoxText, QString& reason);
 
 // "" on success, else the system's description of the failure.
 QString Move_File(const QString& source, const QString& target);

@@ -4,6 +4,7 @@
 #include "Globals.h"
 #include "Registry_Mod.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -90,27 +91,41 @@ TEST_F(FoldersTest, StoredFoldersWinWhileTheyExist) {
     EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, "OutputPath"), stored);
 }
 
-TEST_F(FoldersTest, EnsureOutputFolderCreatesOneLevelOnly) {
+TEST_F(FoldersTest, EnsureOutputFolderCreatesOneLevelOnlyAndSaysWhyNot) {
     const QString documents = home.make("Documents");
-    QString box = "   ";
-    EXPECT_TRUE(Ensure_OutputFolder(box));
-    EXPECT_EQ(box, documents);
-
-    box = home.path() + "/new-folder";
-    EXPECT_TRUE(Ensure_OutputFolder(box));
-    EXPECT_TRUE(QFileInfo(box).isDir());
-
-    box = home.path() + "/missing/parent";
-    EXPECT_FALSE(Ensure_OutputFolder(box));
-    EXPECT_FALSE(QFileInfo::exists(box));
-
     touch(home.path() + "/a-file");
-    box = home.path() + "/a-file";
-    EXPECT_FALSE(Ensure_OutputFolder(box));
+    const QString root = home.path();
+    const struct {
+        QString box;
+        bool made;
+        QString reason; // "" when made
+    } cases[] = {
+        {"   ", true, ""},
+        {root + "/new-folder", true, ""},
+        {root + "/missing/parent", false,
+         "the folder above the output folder '" + root + "/missing/parent' does not exist"},
+        {root + "/a-file", false, "the output folder '" + root + "/a-file' is a file"},
+        {root + "/a-file/inside", false,
+         "cannot make the output folder '" + root + "/a-file/inside': Not a directory"},
+    };
+    for (const auto& c : cases) {
+        QString box = c.box;
+        QString reason = "stale";
+        EXPECT_EQ(Ensure_OutputFolder(box, reason), c.made) << c.box.toStdString();
+        EXPECT_EQ(reason, c.reason);
+        EXPECT_EQ(QFileInfo(box).isDir(), c.made) << c.box.toStdString();
+        QString again = c.box; // the form without a reason agrees
+        EXPECT_EQ(Ensure_OutputFolder(again), c.made);
+    }
+    QString box = "";
+    Ensure_OutputFolder(box);
+    EXPECT_EQ(box, documents);
 
     QDir(documents).removeRecursively();
     box.clear();
-    EXPECT_FALSE(Ensure_OutputFolder(box)); // no documents folder to fall back on
+    QString reason;
+    EXPECT_FALSE(Ensure_OutputFolder(box, reason)); // no documents folder to fall back on
+    EXPECT_TRUE(reason.contains("no documents folder"));
 }
 
 TEST_F(FoldersTest, MoveAndDeleteFiles) {
