@@ -49,6 +49,12 @@ public:
     virtual void SetVideoHook(VideoHook hook) = 0;
     // Asked before each frame; false (no effects to run) lets the frame skip the hook's conversions.
     virtual void SetVideoHookActive(VideoHookActive active) = 0;
+    // Whether a file already under an output name (added from now on) may be replaced by the
+    // finished output. Without it, or when the name is taken while the task runs, the output takes
+    // the next free name.
+    virtual void SetOverwrite(bool overwrite) = 0;
+    // Where a finished task's output landed; "" when it is where AddOutput asked.
+    virtual QString LandedPath(int task) const = 0;
 
     // The one receiver of the events; nullptr drops them.
     void SetListener(EncoderListener* listener) { m_listener = listener; }

@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 
 namespace morvane {
 
@@ -15,6 +18,7 @@ struct FFEncoder::Task {
     TranscodeJob job;
     bool hasOutput = false;
     bool removed = false;
+    QString landedPath; // set when the task's end is delivered
 };
 
 // What one Start hands to its workers; immutable but for the counters and the control.
@@ -27,6 +31,9 @@ struct FFEncoder::Run {
     TaskControl control;
     std::atomic<std::size_t> next{0};
     std::atomic<int> active{0};
+    // Workers that have not yet posted their last event; Stop waits on it.
+    std::mutex doneMutex;
+    std::condition_variable done;
 };
 
 FFEncoder::FFEncoder(QObject* parent) : QObject(parent) {}
@@ -65,8 +72,15 @@ int FFEncoder::AddOutput(int task, const QString& path, const QString& arguments
         return -2;
     }
     Task& t = *m_tasks[task];
-    t.job.outputPath = path.toStdString();
+    const std::string output = path.toStdString();
+    const FileIdentity existing = File_Identity(output);
+    if (existing.sameFileAs(File_Identity(t.job.inputPath))) {
+        m_lastError = QStringLiteral("Output file '%1' is the input file itself").arg(path);
+        return -3;
+    }
+    t.job.outputPath = output;
     t.job.options = std::move(options);
+    t.job.replaceable = m_overwrite ? existing : FileIdentity{};
     t.hasOutput = true;
     return 0;
 }
@@ -100,14 +114,16 @@ bool FFEncoder::Start(int tasksAtOnce) {
     m_run = run;
     m_running = true;
 
-    const int workers = std::min<int>(std::max(1, tasksAtOnce), static_cast<int>(run->jobs.size()));
+    const int workers =
+        std::min<int>(std::clamp(tasksAtOnce, 1, kMaxThreads), static_cast<int>(run->jobs.size()));
     if (workers == 0) {
         postQueueEnd();
         return true;
     }
     run->codecThreads = m_codecThreads;
     if (run->codecThreads == 0 && workers > 1)
-        run->codecThreads = std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / workers);
+        run->codecThreads =
+            std::clamp(static_cast<int>(std::thread::hardware_concurrency()) / workers, 1, kMaxThreads);
     run->active = workers;
     for (int i = 0; i < workers; ++i)
         m_workers.emplace_back([this, run] { workerLoop(run); });
@@ -144,15 +160,17 @@ void FFEncoder::workerLoop(std::shared_ptr<Run> run) {
         QMetaObject::invokeMethod(
             this,
             [this, task, result] {
+                if (task < static_cast<int>(m_tasks.size()))
+                    m_tasks[task]->landedPath = QString::fromStdString(result.landedPath);
                 emit OnTerminate(task, result.finished, result.failed,
                                  QString::fromStdString(result.message));
             },
             Qt::QueuedConnection);
     }
     // Every other worker has posted its last event before its decrement, so -1 comes after them all.
-    if (--run->active == 0) {
-        postQueueEnd();
-    }
+    std::lock_guard lock(run->doneMutex);
+    if (--run->active == 0) postQueueEnd();
+    run->done.notify_all();
 }
 
 void FFEncoder::postQueueEnd() {
@@ -175,11 +193,27 @@ void FFEncoder::Resume() {
 
 void FFEncoder::Stop(bool wait) {
     if (!m_run) return;
-    m_run->control.stop();
+    const std::shared_ptr<Run> run = m_run;
+    run->control.stop();
     if (!wait) return;
+    // Tasks notice the stop within a frame; meanwhile the window is repainted rather than frozen.
+    while (true) {
+        {
+            std::unique_lock lock(run->doneMutex);
+            if (run->done.wait_for(lock, std::chrono::milliseconds(20), [&] { return run->active == 0; }))
+                break;
+        }
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
     joinWorkers();
     // Deliver what the workers posted, so that the handlers have run when Stop returns.
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+}
+
+QString FFEncoder::LandedPath(int task) const {
+    if (task < 0 || task >= static_cast<int>(m_tasks.size())) return QString();
+    const Task& t = *m_tasks[task];
+    return t.landedPath.isEmpty() ? QString::fromStdString(t.job.outputPath) : t.landedPath;
 }
 
 void FFEncoder::ClearTasks() {

@@ -15,6 +15,7 @@
 #include <QObject>
 #include <QString>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -39,7 +40,9 @@ public:
     // `options` holds the input seek (" -ss 12.5") or is empty.
     int AddInput(const QString& path, const QString& options);
     // Reads `arguments` and checks the container and the encoders. A task added while the queue runs
-    // waits for the next Start.
+    // waits for the next Start. An output that is its own input is refused. A file already under the
+    // name is replaced by the finished output only with SetOverwrite(true); otherwise, or when another
+    // file takes the name while the task runs, the output goes to the next free name (LandedPath).
     int AddOutput(int task, const QString& path, const QString& arguments);
     // Takes back the task, which then neither runs nor counts.
     void RemoveInput(int task);
@@ -49,8 +52,9 @@ public:
     bool Start(int tasksAtOnce);
     void Pause(); // running tasks hold between packets
     void Resume();
-    // Ends every task: each reports finished and failed both false. With `wait`, returns when all have
-    // ended and their OnTerminate events, the final one included, have been delivered.
+    // Ends every task: each reports finished and failed both false, and leaves no output behind. With
+    // `wait`, returns when all have ended and their OnTerminate events, the final one included, have
+    // been delivered; meanwhile the event loop runs (user input held back), so windows stay painted.
     void Stop(bool wait);
     void ClearTasks(); // stops with wait first if running
     void Release() { Stop(true); }
@@ -59,6 +63,13 @@ public:
     void SetVideoHook(VideoHook hook) { m_hook = std::move(hook); }
     // Asked before each frame; false skips the hook and its conversions for that frame.
     void SetVideoHookActive(VideoHookActive active) { m_hookActive = std::move(active); }
+
+    // Whether files already under the output names of tasks added from now on may be replaced.
+    void SetOverwrite(bool overwrite) { m_overwrite = overwrite; }
+    bool Overwrite() const { return m_overwrite; }
+    // Where the finished output of a task is: its output path, or the free name it had to take. Valid
+    // from the task's OnTerminate until ClearTasks.
+    QString LandedPath(int task) const;
 
     QString LastErrorMessage() const { return m_lastError; }
     int TaskCount() const;
@@ -72,7 +83,10 @@ public:
     void SetProgressInterval(int ms) { m_progressInterval = ms > 0 ? ms : 400; }
     // Threads of each decoder and encoder of a task; 0 (the default) shares the cores out among the
     // tasks that run at once. Takes effect at the next Start.
-    void SetCodecThreads(int threads) { m_codecThreads = threads > 0 ? threads : 0; }
+    void SetCodecThreads(int threads) { m_codecThreads = std::clamp(threads, 0, kMaxThreads); }
+
+    // No more tasks run at once, and no codec gets more threads, than this.
+    static constexpr int kMaxThreads = 16;
 
 signals:
     void OnProgress(int task, qint64 positionUs, qint64 durationUs);
@@ -96,6 +110,7 @@ private:
     VideoHook m_hook;
     VideoHookActive m_hookActive;
     QString m_lastError;
+    bool m_overwrite = false;
     bool m_running = false;                    // true from Start until the final OnTerminate is delivered
     std::atomic<bool> m_previewEnabled{false}; // read by the workers
     int m_runMode = 0;

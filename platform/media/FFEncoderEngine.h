@@ -33,6 +33,8 @@ public:
     void SetVideoHookActive(VideoHookActive active) override {
         m_encoder.SetVideoHookActive(std::move(active));
     }
+    void SetOverwrite(bool overwrite) override { m_encoder.SetOverwrite(overwrite); }
+    QString LandedPath(int task) const override { return m_encoder.LandedPath(task); }
 
     // For the settings that only the real engine has (RunMode, ProgressInterval).
     FFEncoder& encoder() { return m_encoder; }

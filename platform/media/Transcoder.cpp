@@ -142,8 +142,12 @@ public:
 
     TranscodeResult run() {
         TranscodeResult r;
-        const bool ok = openInput() && openOutput() && transcode();
+        bool ok = openInput() && openOutput() && transcode();
+        if (ok && m_writesPart)
+            ok = m_part.commit(m_job.outputPath, m_job.replaceable, r.landedPath, m_error);
+        if (!ok) m_part.discard();                // a failed or stopped task leaves nothing behind
         if (!ok && m_control.stopped()) return r; // a stop is neither success nor failure
+        if (ok && !m_writesPart) r.landedPath = m_job.outputPath;
         r.finished = ok;
         r.failed = !ok;
         r.message = ok ? std::string() : m_error;
@@ -187,7 +191,70 @@ private:
         if (m_opt.durationUs > 0 && (m_durationUs == 0 || m_opt.durationUs < m_durationUs))
             m_durationUs = m_opt.durationUs;
         m_startUs = start + m_job.input.seekUs;
+        if (m_durationUs > 0) {
+            // A length guessed from the bit rate may be far off; one read from timestamps is not.
+            const double factor = m_in->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE
+                                      ? 5 * kRunawayFactor
+                                      : kRunawayFactor;
+            m_runawayUs = std::max(static_cast<std::int64_t>(static_cast<double>(m_durationUs) * factor),
+                                   m_durationUs + kRunawayMarginUs);
+        }
         return true;
+    }
+
+    // Formats such as MPEG-TS may jump in time (a cut in a broadcast, a damaged byte). As the ffmpeg
+    // program does, a jump of more than 10 s from where a stream should be is taken out of this and
+    // every later timestamp of the file; elsewhere a timestamp absurdly far off is dropped.
+    void fixTimestamps(AVPacket* pkt) {
+        constexpr std::int64_t kJumpUs = 10 * std::int64_t{AV_TIME_BASE};
+        constexpr std::int64_t kAbsurdUs = 30 * 3600 * std::int64_t{AV_TIME_BASE};
+        if (pkt->stream_index < 0 || pkt->stream_index >= static_cast<int>(m_clocks.size())) return;
+        const AVStream* st = m_in->streams[pkt->stream_index];
+        StreamClock& c = m_clocks[pkt->stream_index];
+        const bool discontinuous = m_in->iformat->flags & AVFMT_TS_DISCONT;
+        const AVRational tb = st->time_base;
+        if (m_jumpOffsetUs != 0) {
+            const std::int64_t offset = av_rescale_q(m_jumpOffsetUs, AV_TIME_BASE_Q, tb);
+            if (pkt->dts != AV_NOPTS_VALUE) pkt->dts += offset;
+            if (pkt->pts != AV_NOPTS_VALUE) pkt->pts += offset;
+        }
+        if (pkt->dts == AV_NOPTS_VALUE) return;
+        std::int64_t dtsUs = av_rescale_q_rnd(
+            pkt->dts, tb, AV_TIME_BASE_Q, static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
+        std::int64_t delta = 0;
+        bool jumped = false;
+        if (c.nextDtsUs != AV_NOPTS_VALUE) {
+            delta = dtsUs - c.nextDtsUs;
+            if (discontinuous) {
+                jumped = std::llabs(delta) > kJumpUs || dtsUs + AV_TIME_BASE / 10 < c.lastDtsUs;
+            } else if (std::llabs(delta) > kAbsurdUs) {
+                pkt->dts = AV_NOPTS_VALUE;
+                if (pkt->pts != AV_NOPTS_VALUE &&
+                    std::llabs(av_rescale_q(pkt->pts, tb, AV_TIME_BASE_Q) - c.nextDtsUs) > kAbsurdUs)
+                    pkt->pts = AV_NOPTS_VALUE;
+                return;
+            }
+        } else if (discontinuous && m_lastTsUs != AV_NOPTS_VALUE) {
+            delta = dtsUs - m_lastTsUs;
+            jumped = std::llabs(delta) > kJumpUs;
+        }
+        if (jumped) {
+            m_jumpOffsetUs -= delta;
+            av_log(nullptr, AV_LOG_WARNING, "'%s': timestamps of stream #%d jump by %.3f s; taken out\n",
+                   m_job.inputPath.c_str(), pkt->stream_index, static_cast<double>(delta) / AV_TIME_BASE);
+            const std::int64_t back = av_rescale_q(delta, AV_TIME_BASE_Q, tb);
+            pkt->dts -= back;
+            if (pkt->pts != AV_NOPTS_VALUE) pkt->pts -= back;
+            dtsUs -= delta;
+        }
+        m_lastTsUs = dtsUs;
+        c.lastDtsUs = dtsUs;
+        std::int64_t durationUs = pkt->duration > 0 ? av_rescale_q(pkt->duration, tb, AV_TIME_BASE_Q) : 0;
+        if (durationUs == 0 && st->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
+            const AVRational rate = av_guess_frame_rate(m_in.get(), const_cast<AVStream*>(st), nullptr);
+            if (rate.num > 0 && rate.den > 0) durationUs = av_rescale_q(1, av_inv_q(rate), AV_TIME_BASE_Q);
+        }
+        c.nextDtsUs = dtsUs + durationUs;
     }
 
     bool openDecoder(OutStream& s, int index) {
@@ -275,27 +342,50 @@ private:
         s.srcWidth = d->width;
         s.srcHeight = d->height;
         s.srcFormat = d->pix_fmt;
-        s.graph.reset(avfilter_graph_alloc());
         char args[256];
         std::snprintf(args, sizeof args,
                       "video_size=%dx%d:pix_fmt=%d:time_base=%d/%d:pixel_aspect=%d/%d:frame_rate=%d/%d",
                       d->width, d->height, d->pix_fmt, s.in->time_base.num, s.in->time_base.den, sar.num,
                       sar.den, inRate.num, inRate.den);
-        int r = avfilter_graph_create_filter(&s.src, avfilter_get_by_name("buffer"), "in", args, nullptr,
-                                             s.graph.get());
-        if (r < 0) return fail("setting up the video source", r);
-        if ((r = avfilter_graph_create_filter(&s.sink, avfilter_get_by_name("buffersink"), "out", nullptr,
-                                              nullptr, s.graph.get())) < 0)
-            return fail("setting up the video sink", r);
+        const auto makeGraph = [&](const std::string& chain) {
+            s.graph.reset(avfilter_graph_alloc());
+            int r = avfilter_graph_create_filter(&s.src, avfilter_get_by_name("buffer"), "in", args, nullptr,
+                                                 s.graph.get());
+            if (r < 0) return fail("setting up the video source", r);
+            if ((r = avfilter_graph_create_filter(&s.sink, avfilter_get_by_name("buffersink"), "out", nullptr,
+                                                  nullptr, s.graph.get())) < 0)
+                return fail("setting up the video sink", r);
+            return linkGraph(s, chain);
+        };
 
         std::string chain = "trim=" + trimArgs();
         if (m_opt.deinterlace) chain += ",yadif";
         if (!m_opt.videoFilters.empty()) chain += "," + m_opt.videoFilters;
         if (m_opt.target != DvTarget::None)
             chain += ",scale=" + std::to_string(dv.width) + ":" + std::to_string(dv.height);
-        chain += ",fps=" + std::to_string(rate.num) + "/" + std::to_string(rate.den);
-        chain += std::string(",format=") + av_get_pix_fmt_name(fmt);
-        if (!linkGraph(s, chain)) return false;
+        const std::string tail = ",fps=" + std::to_string(rate.num) + "/" + std::to_string(rate.den) +
+                                 ",format=" + av_get_pix_fmt_name(fmt);
+        if (!makeGraph(chain + tail)) return false;
+        // Pictures whose colour planes are halved need sizes in whole steps (libx264 refuses an odd
+        // 4:2:0 picture): the last column or row goes, which no one sees.
+        if (const AVPixFmtDescriptor* desc = av_pix_fmt_desc_get(fmt)) {
+            const int w = av_buffersink_get_w(s.sink);
+            const int h = av_buffersink_get_h(s.sink);
+            const int stepW = (1 << desc->log2_chroma_w) - 1;
+            const int stepH = (1 << desc->log2_chroma_h) - 1;
+            if ((w & stepW) || (h & stepH)) {
+                const int evenW = w & ~stepW;
+                const int evenH = h & ~stepH;
+                if (evenW <= 0 || evenH <= 0)
+                    return failText("The picture of '" + m_job.inputPath + "' is too small to encode (" +
+                                    std::to_string(w) + "x" + std::to_string(h) + ")");
+                av_log(nullptr, AV_LOG_WARNING, "'%s': %dx%d rounded down to %dx%d for %s\n",
+                       m_job.inputPath.c_str(), w, h, evenW, evenH, av_get_pix_fmt_name(fmt));
+                if (!makeGraph(chain + ",crop=" + std::to_string(evenW) + ":" + std::to_string(evenH) +
+                               ":0:0" + tail))
+                    return false;
+            }
+        }
 
         s.enc.reset(avcodec_alloc_context3(codec));
         AVCodecContext* e = s.enc.get();
@@ -314,8 +404,8 @@ private:
         // The library's default is one thread; the ffmpeg program asks for one per core, as we do.
         e->thread_count = m_cb.codecThreads;
         if (m_out->oformat->flags & AVFMT_GLOBALHEADER) e->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        if ((r = avcodec_open2(e, codec, nullptr)) < 0)
-            return fail("opening the video encoder '" + std::string(codec->name) + "'", r);
+        int r = avcodec_open2(e, codec, nullptr);
+        if (r < 0) return fail("opening the video encoder '" + std::string(codec->name) + "'", r);
 
         s.out = avformat_new_stream(m_out.get(), nullptr);
         if (!s.out || (r = avcodec_parameters_from_context(s.out->codecpar, e)) < 0)
@@ -444,7 +534,9 @@ private:
         if (r < 0 || !raw)
             return failText("Unable to find a suitable output format for '" + m_job.outputPath + "'");
         m_out.reset(raw);
+        m_out->interrupt_callback = {&Transcoder::interruptCallback, &m_control};
         m_byInput.assign(m_in->nb_streams, -1);
+        m_clocks.assign(m_in->nb_streams, StreamClock{});
 
         if (!m_opt.noVideo) {
             const int index = av_find_best_stream(m_in.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
@@ -468,8 +560,14 @@ private:
             return failText("Output file '" + m_job.outputPath + "' does not contain any stream");
 
         if (!(m_out->oformat->flags & AVFMT_NOFILE)) {
-            if ((r = avio_open2(&m_out->pb, m_job.outputPath.c_str(), AVIO_FLAG_WRITE,
-                                &m_out->interrupt_callback, nullptr)) < 0)
+            // A device or pipe under the name is written as it is; a file only ever gets a finished
+            // output, moved into place at the end.
+            const FileIdentity target = File_Identity(m_job.outputPath);
+            m_writesPart = !target.exists || target.regular;
+            if (m_writesPart && !m_part.create(m_job.outputPath, m_error)) return false;
+            const std::string& path = m_writesPart ? m_part.path() : m_job.outputPath;
+            if ((r = avio_open2(&m_out->pb, path.c_str(), AVIO_FLAG_WRITE, &m_out->interrupt_callback,
+                                nullptr)) < 0)
                 return fail("opening output '" + m_job.outputPath + "'", r);
         }
         if ((r = avformat_write_header(m_out.get(), nullptr)) < 0)
@@ -498,6 +596,7 @@ private:
                 if (m_control.stopped()) return false;
                 return fail("reading '" + m_job.inputPath + "'", r);
             }
+            fixTimestamps(pkt.get());
             const int at =
                 pkt->stream_index < static_cast<int>(m_byInput.size()) ? m_byInput[pkt->stream_index] : -1;
             const bool ok = at < 0 || m_streams[at].sinkDone || decode(m_streams[at], pkt.get());
@@ -527,6 +626,7 @@ private:
             if (pkt) return true;
         }
         while (true) {
+            if (m_control.stopped()) return false;
             r = avcodec_receive_frame(s.dec.get(), m_frame.get());
             if (r == AVERROR(EAGAIN)) return true;
             if (r == AVERROR_EOF) break;
@@ -629,6 +729,8 @@ private:
 
     bool drain(OutStream& s) {
         while (true) {
+            // One packet can release hours of frames (a rate filter filling a gap): keep listening.
+            if (!m_control.checkpoint()) return false;
             const int r = av_buffersink_get_frame(s.sink, m_filtered.get());
             if (r == AVERROR(EAGAIN)) return true;
             if (r == AVERROR_EOF) {
@@ -641,6 +743,12 @@ private:
                 m_positionUs = std::max(m_positionUs, av_rescale_q(m_filtered->pts, tb, AV_TIME_BASE_Q));
                 m_filtered->pts = av_rescale_q(m_filtered->pts, tb, s.enc->time_base);
             }
+            if (m_runawayUs > 0 && m_positionUs > m_runawayUs) {
+                av_frame_unref(m_filtered.get());
+                return failText("The output of '" + m_job.inputPath + "' runs far past the input's length (" +
+                                seconds(m_positionUs) + " s of " + seconds(m_durationUs) +
+                                " s): its timestamps are damaged");
+            }
             m_filtered->pict_type = AV_PICTURE_TYPE_NONE;
             const bool hookWanted =
                 s.video && m_opt.videoHook && m_cb.hook && (!m_cb.hookActive || m_cb.hookActive());
@@ -649,6 +757,7 @@ private:
             ok = ok && encode(s, m_filtered.get());
             av_frame_unref(m_filtered.get());
             if (!ok) return false;
+            reportProgress(false);
         }
     }
 
@@ -710,6 +819,7 @@ private:
         int r = avcodec_send_frame(s.enc.get(), frame);
         if (r < 0 && r != AVERROR_EOF) return fail("encoding", r);
         while (true) {
+            if (m_control.stopped()) return false;
             r = avcodec_receive_packet(s.enc.get(), m_packet.get());
             if (r == AVERROR(EAGAIN) || r == AVERROR_EOF) return true;
             if (r < 0) return fail("encoding", r);
@@ -737,11 +847,22 @@ private:
     OutputPtr m_out;
     std::vector<OutStream> m_streams;
     std::vector<int> m_byInput; // input stream index -> m_streams index, or -1
+    struct StreamClock {
+        std::int64_t nextDtsUs = AV_NOPTS_VALUE; // where the stream's next packet should be
+        std::int64_t lastDtsUs = AV_NOPTS_VALUE;
+    };
+    std::vector<StreamClock> m_clocks; // by input stream index
+    std::int64_t m_lastTsUs = AV_NOPTS_VALUE;
+    std::int64_t m_jumpOffsetUs = 0; // taken out of every timestamp after a jump
+    std::int64_t m_runawayUs = 0;    // an output position past this ends the task; 0: no limit
     FramePtr m_frame, m_filtered, m_bgra, m_adapted;
     PacketPtr m_packet;
     SwsPtr m_toBgra, m_fromBgra, m_toPreview;
     std::vector<std::uint8_t> m_previewBits;
     std::optional<std::chrono::steady_clock::time_point> m_lastPreview;
+
+    PartFile m_part;
+    bool m_writesPart = false;
 
     std::int64_t m_startUs = 0;
     std::int64_t m_durationUs = 0;

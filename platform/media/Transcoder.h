@@ -7,6 +7,7 @@
 
 #include "EncoderHook.h"
 #include "EncoderOptions.h"
+#include "Output_File.h"
 
 extern "C" {
 #include <libavutil/avutil.h>
@@ -22,7 +23,7 @@ struct AVCodec;
 
 namespace morvane {
 
-// Pause and stop requests for running tasks, checked between packets.
+// Pause and stop requests for running tasks, checked in every loop of a task.
 class TaskControl {
 public:
     void pause();
@@ -43,15 +44,21 @@ private:
 struct TranscodeJob {
     std::string inputPath;
     InputOptions input;
-    std::string outputPath;
+    std::string outputPath; // the final name; the task writes beside it until it has finished
     EncoderOptions options;
+    FileIdentity replaceable; // the file under outputPath that the user agreed to overwrite, if any
 };
 
 struct TranscodeResult {
     bool finished = false;
     bool failed = false;
-    std::string message; // with the library's words when failed
+    std::string message;    // with the library's words when failed
+    std::string landedPath; // where the finished output is: outputPath, or the next free name
 };
+
+// Ends a task whose output runs this far past the input's length: its timestamps are damaged.
+constexpr double kRunawayFactor = 2.0;
+constexpr std::int64_t kRunawayMarginUs = 60'000'000;
 
 // An encoder by its own name, else by the name of its codec; "libfaac" stands for the native AAC
 // encoder. Null with `error` set ("Unknown encoder 'x'") when this build has none.
