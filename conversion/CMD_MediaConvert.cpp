@@ -3,16 +3,18 @@
 #include "File_Names.h"
 #include "Folders_Mods.h"
 #include "Globals.h"
+#include "Output_File.h"
 #include "Output_Names.h"
 #include "mMain.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTimer>
 
 namespace morvane {
 
@@ -32,13 +34,23 @@ QString Merge_ListLine(const QString& path) {
     return QStringLiteral("file '") + quoted + QLatin1Char('\'');
 }
 
+QString Merge_FreshTarget(const QString& folder, const QString& extension) {
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const int n = attempt < 50 ? QRandomGenerator::global()->bounded(1, 1001) : 1000 + attempt;
+        QFile target(folder + QStringLiteral("temp") + QString::number(n) + QLatin1Char('.') + extension);
+        // NewOnly: a file of the user's under that name is never opened, let alone truncated.
+        if (target.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return target.fileName();
+        if (target.exists()) continue;
+        return QString(); // the folder itself refuses
+    }
+    return QString();
+}
+
 MergePipeline::MergePipeline() {
     waitStep = [](int milliseconds) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
-        QDeadlineTimer deadline(milliseconds);
-        while (!deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents,
-                                            static_cast<int>(deadline.remainingTime()));
+        QEventLoop loop;
+        QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+        loop.exec();
     };
 }
 
@@ -70,9 +82,8 @@ bool MergePipeline::Merge_Run(const QString& target, const QString& inputOptions
     Merge_Failed = false;
     Merge_Finished = false;
     QFile(Merge_ResultFile).open(QIODevice::WriteOnly | QIODevice::Truncate);
-    QFile empty(target);
-    empty.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    empty.close();
+    // The target is ours already (Merge_FreshTarget); a missing one is made, an existing one left.
+    QFile(target).open(QIODevice::WriteOnly | QIODevice::NewOnly);
     Merge_OutputPath = target;
     Merge_KillChild();
     // An argument list, never a shell line: paths with blanks or quotes need no short forms.
@@ -208,9 +219,15 @@ bool MergePipeline::Merge_All(FileViewMain& table, const QString& outputFolder, 
     QString extension = File_ExtensionName(first).toUpper();
     if (extension == QLatin1String("M4B") || extension == QLatin1String("M4R"))
         extension = QStringLiteral("M4A");
-    const QString temporary = outputFolder + QStringLiteral("temp") +
-                              QString::number(QRandomGenerator::global()->bounded(1, 1001)) +
-                              QLatin1Char('.') + extension;
+    // -y below overwrites only this fresh file of our own.
+    const QString temporary = Merge_FreshTarget(outputFolder, extension);
+    if (temporary.isEmpty()) {
+        if (showWait) showWait(false);
+        Merge_Reset(QString());
+        Show_Message(QStringLiteral("Cannot create a file in \"%1\" to merge into.").arg(outputFolder),
+                     MB_OK | MB_ICONCRITICAL, QString());
+        return false;
+    }
     const QString outputOptions = outputPanel == 2 ? QStringLiteral(" -acodec copy -y")
                                                    : QStringLiteral(" -acodec copy -vcodec copy -y");
     Merge_Run(temporary, QStringLiteral("-f concat -i"), outputOptions);
@@ -218,6 +235,7 @@ bool MergePipeline::Merge_All(FileViewMain& table, const QString& outputFolder, 
     Timer_FFmpeg = true;
     while (Timer_FFmpeg) {
         waitStep(500);
+        if (Timer_FFmpeg && cancelRequested && cancelRequested()) Cancel();
         if (Timer_FFmpeg) Timer_FFmpeg_Tick();
     }
     if (showWait) showWait(false);
@@ -230,14 +248,18 @@ bool MergePipeline::Merge_All(FileViewMain& table, const QString& outputFolder, 
         return false;
     }
     Merge_DeleteParts();
-    const QString moveError = Move_File(Merge_OutputPath, finalName);
+    // Never over a file: one that took the name meanwhile sends the merge to the next free name.
+    std::string landed, moveError;
+    const bool moved =
+        Rename_Free(Merge_OutputPath.toStdString(), finalName.toStdString(), landed, moveError);
     Merge_Reset(QString());
-    if (!moveError.isEmpty()) {
+    if (!moved) {
         // The pieces are gone by now, so the joined file stays where it is rather than be lost.
-        Show_Message(moveError, MB_OK | MB_ICONCRITICAL, QString(), QStringLiteral(" ") + Merge_OutputPath);
+        Show_Message(QString::fromStdString(moveError), MB_OK | MB_ICONCRITICAL, QString(),
+                     QStringLiteral(" ") + Merge_OutputPath);
         return false;
     }
-    Merge_OutputPath = finalName;
+    Merge_OutputPath = QString::fromStdString(landed);
     return true;
 }
 

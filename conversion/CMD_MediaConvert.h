@@ -35,8 +35,10 @@ public:
     std::int16_t Merge_IdleTicks = 0;
     bool Timer_FFmpeg = false; // the 500 ms poll is on
 
-    // Lets events through for about the given milliseconds while the merge waits; tests replace it.
+    // Waits the given milliseconds with the event loop running (a timer, no spinning); tests replace it.
     std::function<void(int milliseconds)> waitStep;
+    // Asked at every poll: true ends the merge as the wait window's Cancel does (a terminal's Ctrl-C).
+    std::function<bool()> cancelRequested;
     // The wait window of the merge ("Finalizing Progress..."), shown and closed through the host.
     std::function<void(bool show)> showWait;
 
@@ -61,5 +63,9 @@ private:
 
 // The list file line of one piece: file 'path', with quotes in the path escaped for the demuxer.
 QString Merge_ListLine(const QString& path);
+
+// Creates an empty file "<folder>temp<n>.<extension>" under a name that no file held, n from 1 to
+// 1000 at random first; "" when none can be made.
+QString Merge_FreshTarget(const QString& folder, const QString& extension);
 
 } // namespace morvane

@@ -12,7 +12,8 @@ namespace morvane {
 void VideoConverter::OnProgress(int task, qint64 positionUs, qint64 durationUs) {
     if (guarded() || Get_ConversionState() == Conversion_Idle) return;
     Progress_Tick = 1;
-    const int row = task;
+    const int row = rowOfTask(task);
+    if (row < 0) return;
     const double duration = Time_ToSeconds(durationUs);
     if (duration <= 0) {
         Set_RowProgress(m_table, row, FileCol::Status, 0);

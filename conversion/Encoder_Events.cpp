@@ -3,6 +3,7 @@
 
 #include "Folders_Mods.h"
 #include "Globals.h"
+#include "Output_File.h"
 #include "Report_List.h"
 #include "mMain.h"
 
@@ -31,30 +32,38 @@ void VideoConverter::OnTerminate(int task, bool finished, bool failed, const QSt
 }
 
 void VideoConverter::taskEnded(int task, bool finished, bool failed, const QString& message) {
-    if (task >= m_table.rows()) return;
+    const int row = rowOfTask(task);
+    if (row < 0 || row >= m_table.rows()) return;
     if (finished) {
         Progress_Base += 100;
-        Set_RowState(m_table, task, true, State_Done);
-        m_host.Scroll_ToRow(task);
+        Set_RowState(m_table, row, true, State_Done);
+        m_endedRows.insert(row);
+        m_host.Scroll_ToRow(row);
+        const QString wanted = m_table.text(row, FileCol::ConvertedFileName);
+        // The name was taken while the task ran: the output took the next free one.
+        QString landed = m_encoder.LandedPath(task);
         const QString format = listText(List_Extension).toUpper();
         if (format == QLatin1String("M4B") || format == QLatin1String("M4R")) {
-            const QString wanted = m_table.text(task, FileCol::ConvertedFileName);
-            const QString error = Move_File(wanted.chopped(3) + QStringLiteral("M4A"), wanted);
-            if (!error.isEmpty()) {
-                Set_RowState(m_table, task, true, State_Failed);
-                m_table.setText(task, FileCol::ErrMsg, error);
+            if (landed.isEmpty()) landed = wanted.chopped(3) + QStringLiteral("M4A");
+            std::string moved, error;
+            if (Rename_Free(landed.toStdString(), wanted.toStdString(), moved, error)) {
+                landed = QString::fromStdString(moved);
+            } else {
+                Set_RowState(m_table, row, true, State_Failed);
+                m_table.setText(row, FileCol::ErrMsg, QString::fromStdString(error));
                 m_table.redraw();
             }
         }
-        if (task + 1 < m_table.rows()) {
-            m_table.selectRow(task + 1);
-            showInputFileInfo(task + 1);
+        if (!landed.isEmpty() && landed != wanted) m_table.setText(row, FileCol::ConvertedFileName, landed);
+        if (row + 1 < m_table.rows()) {
+            m_table.selectRow(row + 1);
+            showInputFileInfo(row + 1);
         }
         m_host.Clear_HookOutput();
     }
     if (failed) {
-        m_table.setText(task, FileCol::Status, kFailedStatus + QLatin1Char(' '));
-        m_table.setText(task, FileCol::ErrMsg, message);
+        m_table.setText(row, FileCol::Status, kFailedStatus + QLatin1Char(' '));
+        m_table.setText(row, FileCol::ErrMsg, message);
         m_table.redraw();
         setElapsedTimer(false);
         Status_Header.clear();
@@ -72,10 +81,11 @@ void VideoConverter::taskEnded(int task, bool finished, bool failed, const QStri
                 QStringLiteral("Please change the format parameters or use one of the preset profiles."),
                 MB_ICONEXCLAMATION, QStringLiteral("Attention!"));
         } else {
-            Set_RowState(m_table, task, true, State_Failed);
+            Set_RowState(m_table, row, true, State_Failed);
+            m_endedRows.insert(row);
         }
-        m_table.selectRow(task);
-        showInputFileInfo(task);
+        m_table.selectRow(row);
+        showInputFileInfo(row);
         m_host.Focus_List();
         m_host.Clear_HookOutput();
     }
@@ -114,11 +124,14 @@ void VideoConverter::queueEnded() {
             } else if (windowState == Window_Minimized) {
                 m_host.Set_WindowState(Window_Normal);
             }
-            // A merge with a hole is worthless.
+            // A merge with a hole is worthless. Only what this run made goes: a failed row's name may
+            // hold a file of the user's.
             if (mergeChecked())
                 for (int r = 0; r < m_table.rows(); ++r) {
                     const QString output = m_table.text(r, FileCol::ConvertedFileName);
-                    if (!output.isEmpty()) Delete_File(output);
+                    if (!output.isEmpty() &&
+                        Trim_Spaces(m_table.text(r, FileCol::Status)) == QLatin1String("Done"))
+                        Delete_File(output);
                 }
             Report_Show(QStringLiteral("Conversion Reports"), QStringLiteral("Can not convert these files!"));
         }

@@ -101,7 +101,7 @@ QString VideoConverter::Output_Folder() const {
     return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
 }
 
-VideoConverter::RowJob VideoConverter::Prepare_Row(int row) const {
+VideoConverter::RowJob VideoConverter::Prepare_Row(int row, const QSet<QString>& taken) const {
     const FileViewMain& t = m_table;
     RowJob job;
     EncoderParams& p = job.params;
@@ -153,14 +153,48 @@ VideoConverter::RowJob VideoConverter::Prepare_Row(int row) const {
     job.seek = Make_SeekArgs(p.TrimStartLow, p.TrimStartHigh);
 
     const QString baseName = t.text(row, FileCol::Name) + QLatin1Char('.') + t.text(row, FileCol::Format);
-    job.outputPath = Replace_Extension(Output_Folder() + baseName, Output_Format);
-    if (Output_NameMode == 1) job.outputPath = Unique_OutputName(job.outputPath);
+    // A source is never its own output and two items never share one, whatever the naming rule.
+    job.outputPath = Batch_OutputName(Replace_Extension(Output_Folder() + baseName, Output_Format),
+                                      job.inputPath, taken, Output_NameMode == 1);
     job.encoderPath = job.outputPath;
     const QString last3 = job.outputPath.right(3).toUpper();
     // The encoder writes the .M4A that these really are; the finished file gets the wanted name.
     if (last3 == QLatin1String("M4B") || last3 == QLatin1String("M4R"))
         job.encoderPath = job.outputPath.chopped(3) + QStringLiteral("M4A");
     return job;
+}
+
+namespace {
+QSet<QString> batchInputs(const FileViewMain& t) {
+    QSet<QString> keys;
+    for (int r = 0; r < t.rows(); ++r)
+        keys.insert(Path_Key(t.text(r, FileCol::FilePath) + t.text(r, FileCol::FileName)));
+    return keys;
+}
+} // namespace
+
+QList<VideoConverter::RowJob> VideoConverter::Prepare_All() const {
+    QSet<QString> taken = batchInputs(m_table);
+    QList<RowJob> jobs;
+    for (int row = 0; row < m_table.rows(); ++row) {
+        jobs.append(Prepare_Row(row, taken));
+        taken.insert(Path_Key(jobs.last().outputPath));
+        taken.insert(Path_Key(jobs.last().encoderPath));
+    }
+    return jobs;
+}
+
+int VideoConverter::rowOfTask(int task) const {
+    return task >= 0 && task < static_cast<int>(m_taskRows.size())
+               ? m_taskRows[static_cast<std::size_t>(task)]
+               : -1;
+}
+
+void VideoConverter::rowFailed(int row, const QString& message) {
+    Set_RowState(m_table, row, true, State_Failed);
+    m_table.setText(row, FileCol::Status, QStringLiteral("Unsuccessful! "));
+    m_table.setText(row, FileCol::ErrMsg, message);
+    m_endedRows.insert(row);
 }
 
 void VideoConverter::Cmd_ConvertPressed() {
@@ -222,42 +256,43 @@ void VideoConverter::Start() {
     m_host.Set_AcceptDrops(true);
 }
 
-// False when the preparation was broken off: a failed task, or Cancel on the wait window.
+// False when the preparation was broken off by Cancel on the wait window. A row that cannot be queued
+// goes into the report instead, and the others are queued all the same.
 bool VideoConverter::prepareQueue() {
     Abort_Preparation = false;
+    m_taskRows.clear();
+    m_endedRows.clear();
     const int rows = m_table.rows();
     m_host.Wait_Show(rows - 1, QStringLiteral("Preparing for conversion..."));
     m_waitOpen = true;
     letMessagesThrough();
 
+    QSet<QString> taken = batchInputs(m_table);
     for (int row = 0; row < rows; ++row) {
-        const RowJob job = Prepare_Row(row);
+        const RowJob job = Prepare_Row(row, taken);
+        taken.insert(Path_Key(job.outputPath));
+        taken.insert(Path_Key(job.encoderPath));
         m_table.setText(row, FileCol::ConvertedFileName, job.outputPath);
 
+        // The .M4A detour is our own name: it never replaces a file that stands there.
+        m_encoder.SetOverwrite(Output_NameMode != 1 && job.encoderPath == job.outputPath);
         const int task = m_encoder.AddInput(job.inputPath, job.seek);
         if (task < 0) {
-            closeWait();
-            letMessagesThrough();
-            Show_Message(m_encoder.LastErrorMessage().replace(QStringLiteral(": "), QStringLiteral("\n\n")),
-                         MB_ICONEXCLAMATION, QStringLiteral("Attention!"));
-            Abort_Preparation = true;
-            break;
-        }
-        if (m_encoder.AddOutput(task, job.encoderPath, job.arguments) >= 0) {
-            if (m_waitOpen)
-                m_host.Wait_Step(QString::number(row + 1) + QStringLiteral(" of ") + QString::number(rows) +
-                                     QStringLiteral(" files"),
-                                 row);
-            letMessagesThrough();
-            if (Abort_Preparation) break;
-        } else {
-            // The next row is still tried: it fails the same way or ends the loop on the flag.
+            rowFailed(row, m_encoder.LastErrorMessage());
+        } else if (m_encoder.AddOutput(task, job.encoderPath, job.arguments) < 0) {
             m_encoder.RemoveInput(task);
-            closeWait();
-            letMessagesThrough();
-            Show_Message(m_encoder.LastErrorMessage(), MB_ICONCRITICAL, QString());
-            Abort_Preparation = true;
+            rowFailed(row, m_encoder.LastErrorMessage());
+        } else {
+            if (static_cast<int>(m_taskRows.size()) <= task)
+                m_taskRows.resize(static_cast<std::size_t>(task) + 1, -1);
+            m_taskRows[static_cast<std::size_t>(task)] = row;
         }
+        if (m_waitOpen)
+            m_host.Wait_Step(QString::number(row + 1) + QStringLiteral(" of ") + QString::number(rows) +
+                                 QStringLiteral(" files"),
+                             row);
+        letMessagesThrough();
+        if (Abort_Preparation) break;
     }
     return !Abort_Preparation;
 }
@@ -275,7 +310,7 @@ void VideoConverter::Resume() {
 }
 
 void VideoConverter::Stop() {
-    const int job = Current_Job;
+    const int job = rowOfTask(Current_Job);
     Cmd_Convert.Enabled = false;
     Cmd_StopEnabled = false;
     setElapsedTimer(true); // the header goes on counting while the tasks end
@@ -295,13 +330,10 @@ void VideoConverter::Stop() {
     m_encoder.ClearTasks();
     letMessagesThrough();
 
-    // A merge needs every part, so then nothing of the run is kept.
-    const int first = mergeChecked() ? 0 : std::max(job, 0);
-    for (int r = first; r < m_table.rows(); ++r) {
-        Set_RowState(m_table, r, true, State_Canceled);
-        const QString output = m_table.text(r, FileCol::ConvertedFileName);
-        if (!output.isEmpty()) Delete_File(output);
-    }
+    // The engine leaves nothing of an unfinished task, so no file is deleted here: whatever stands
+    // under a canceled row's name was there before the run. Finished outputs stay.
+    for (int r = 0; r < m_table.rows(); ++r)
+        if (!m_endedRows.contains(r)) Set_RowState(m_table, r, true, State_Canceled);
 
     setElapsedTimer(false);
     Status_Header.clear();

@@ -14,12 +14,15 @@
 #include "Make_EncoderArgs.h"
 #include "OutputBrowser.h"
 
+#include <QList>
+#include <QSet>
 #include <QString>
 #include <QTimer>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace morvane {
 
@@ -142,7 +145,11 @@ public:
         QString outputPath;  // what column 55 holds
         QString encoderPath; // what the encoder writes: the .M4A detour for M4B and M4R
     };
-    RowJob Prepare_Row(int row) const;
+    // `taken` holds the keys (Path_Key) of the batch's inputs and of the outputs given out before this
+    // row; the row's output never takes one of them, nor its own input.
+    RowJob Prepare_Row(int row, const QSet<QString>& taken = {}) const;
+    // Every row in order, as the queue would get them: no two outputs share a name.
+    QList<RowJob> Prepare_All() const;
     // The output folder as typed in Txt_OutputPath, with a separator at its end.
     QString Output_Folder() const;
 
@@ -192,6 +199,10 @@ private:
     void postConversion();
     // Shows the row in the information panel and hands its effects to the frame hook.
     void showInputFileInfo(int row);
+    // The row of a task: rows that could not be queued have none, so the numbers differ.
+    int rowOfTask(int task) const;
+    // A row that cannot be converted: it goes into the report and the rest of the batch runs on.
+    void rowFailed(int row, const QString& message);
 
     FileViewMain& m_table;
     FormatSetting& m_settings;
@@ -201,7 +212,9 @@ private:
     std::unique_ptr<QTimer> m_timer; // only with a real timer
     bool m_elapsedOn = false;
     bool m_waitOpen = false;
-    HookEffects m_hookEffects; // read by the encoder's worker threads
+    HookEffects m_hookEffects;   // read by the encoder's worker threads
+    std::vector<int> m_taskRows; // by task number
+    QSet<int> m_endedRows;       // rows done or failed in this run: a Stop leaves them as they are
 };
 
 } // namespace morvane

@@ -1,6 +1,7 @@
 #include "Output_Names.h"
 
 #include "File_Names.h"
+#include "Output_File.h"
 #include "mMain.h"
 
 #include <QFileInfo>
@@ -52,20 +53,38 @@ QString renamed(const FileViewMain& table, int row, int operation, const QString
 
 } // namespace
 
-QString Unique_OutputName(const QString& path) {
-    const QString extension = File_ExtensionName(path);
-    const QString base = File_BaseName(path);
-    const QString parent = File_ParentFolder(path);
-    if (!QFileInfo(parent).isDir() || !QFileInfo::exists(path)) return path;
-
-    const auto candidate = [&](const QString& number) {
-        return parent + base + QString(kNewNameTemplate).replace(QStringLiteral("%n"), number) +
-               QLatin1Char('.') + extension;
+QString Unique_OutputName(const QString& path, const QSet<QString>& taken) {
+    const bool folderExists = QFileInfo(File_ParentFolder(path)).isDir();
+    const auto isTaken = [&](const QString& candidate) {
+        return (folderExists && QFileInfo(candidate).exists()) ||
+               (!taken.isEmpty() && taken.contains(Path_Key(candidate)));
     };
-    QString free = candidate(QString());
-    for (std::int64_t n = 1; QFileInfo::exists(free); ++n)
-        free = candidate(QLatin1Char('_') + QString::number(n));
-    return free;
+    if (!isTaken(path)) return path;
+    const std::string wanted = path.toStdString();
+    for (int attempt = 0;; ++attempt) {
+        const QString free = QString::fromStdString(Free_NameCandidate(wanted, attempt));
+        if (!isTaken(free)) return free;
+    }
+}
+
+QString Path_Key(const QString& path) {
+    const QFileInfo info(path);
+    const QString canonical = info.canonicalFilePath();
+    if (!canonical.isEmpty()) return canonical;
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
+    return folder.isEmpty() ? info.absoluteFilePath() : folder + QLatin1Char('/') + info.fileName();
+}
+
+QString Batch_OutputName(const QString& path, const QString& input, const QSet<QString>& taken,
+                         bool renameExisting) {
+    const QString key = Path_Key(path);
+    const bool clash = taken.contains(key) || key == Path_Key(input);
+    if (!clash && !renameExisting) return path;
+    QSet<QString> blocked = taken;
+    blocked.insert(Path_Key(input));
+    // A name that only the batch holds is passed over even where no file stands yet.
+    if (clash) blocked.insert(key);
+    return Unique_OutputName(path, blocked);
 }
 
 QString Replace_Extension(const QString& path, const QString& extension) {

@@ -5,6 +5,7 @@
 
 #include "FileViewMain.h"
 
+#include <QSet>
 #include <QString>
 
 #include <cstdint>
@@ -46,8 +47,18 @@ public:
 };
 
 // The path as given when its folder or the file itself doesn't exist, else the first free one of
-// base_(new), base_(new_1), base_(new_2) ...
-QString Unique_OutputName(const QString& path);
+// base_(new), base_(new_1), base_(new_2) ... Names in `taken` (by Path_Key) count as existing files.
+QString Unique_OutputName(const QString& path, const QSet<QString>& taken = {});
+
+// One spelling per file: the absolute path through the real folders (links resolved), so that two
+// spellings of one place compare equal.
+QString Path_Key(const QString& path);
+
+// The output path of one item of a batch. `taken` holds the keys of every input of the batch and of
+// the outputs given out before; a name in it, or the item's own input, is never used, whatever the
+// naming rule. Beyond that, `renameExisting` (automatic renaming) also passes over files on disk.
+QString Batch_OutputName(const QString& path, const QString& input, const QSet<QString>& taken,
+                         bool renameExisting);
 // Parent folder with "/", base name, ".", the extension given.
 QString Replace_Extension(const QString& path, const QString& extension);
 

@@ -5,6 +5,7 @@
 #include "EncoderEngine.h"
 #include "VideoConverter_Mods.h"
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -59,6 +60,7 @@ public:
     void ClearTasks() override {
         calls << "ClearTasks";
         tasks.clear();
+        m_inputs = m_outputs = 0;
     }
     QString LastErrorMessage() const override { return m_lastError; }
     int TaskCount() const override {
@@ -70,7 +72,11 @@ public:
     void SetPreviewEnabled(bool enabled) override { calls << QStringLiteral("Preview %1").arg(enabled); }
     void SetVideoHook(VideoHook hook) override { videoHook = std::move(hook); }
     void SetVideoHookActive(VideoHookActive active) override { hookActive = std::move(active); }
+    void SetOverwrite(bool value) override { overwrite = value; }
+    QString LandedPath(int task) const override { return landed.value(task); }
     VideoHook videoHook;
+    bool overwrite = false;
+    QMap<int, QString> landed; // where a test says a task's output landed
     VideoHookActive hookActive;
 
     void progress(int task, qint64 position, qint64 duration) {
@@ -82,8 +88,8 @@ public:
 
     QStringList calls;
     std::vector<Task> tasks;
-    int failInputAt = -1;  // the n-th AddInput (from 1) fails
-    int failOutputAt = -1; // the n-th AddOutput (from 1) fails
+    int failInputAt = -1;  // the n-th AddInput (from 1) since ClearTasks fails
+    int failOutputAt = -1; // the n-th AddOutput (from 1) since ClearTasks fails
     QString error;
     std::function<void()> duringStop; // runs inside Stop(true), as queued events would
 

@@ -230,62 +230,95 @@ TEST_F(JobTest, CancelDuringRowThreeOfFiveLeavesNoTasks) {
         EXPECT_EQ(status(r), "") << r; // no row converted
 }
 
-TEST_F(JobTest, FailedAddOutputAtRowTwoStillTriesRowThreeThenEnds) {
-    addRows(5);
-    encoder.failOutputAt = 2;
-    encoder.error = "Unknown encoder: libnothing";
-    converter.Start();
-    EXPECT_EQ(encoder.calls.filter(QRegularExpression("^(AddInput|AddOutput|RemoveInput)")).size(), 7);
-    EXPECT_TRUE(encoder.calls.contains("RemoveInput 1"));
-    // Row 3 gets the number that row 2 gave back, and is added; row 4 is never tried.
-    EXPECT_EQ(encoder.calls.filter("AddOutput").last(), "AddOutput 1 " + dir.path() + "/out/clip3.MP4");
-    EXPECT_EQ(encoder.calls.filter("AddInput").size(), 3);
-    EXPECT_EQ(messages, QStringList({"|16|Unknown encoder: libnothing"}));
-    EXPECT_EQ(host.events.count("wait closed"), 1);
-    EXPECT_FALSE(host.events.contains("step 3 of 5 files")); // the wait window has gone
-    EXPECT_EQ(encoder.TaskCount(), 0);
-    EXPECT_EQ(converter.Get_ConversionState(), Conversion_Idle);
-}
-
-TEST_F(JobTest, FailedAddInputShowsTheTextWithBreaksAndLeaves) {
-    addRows(3);
-    encoder.failInputAt = 2;
-    encoder.error = "opening input 'x': No such file or directory";
-    converter.Start();
-    EXPECT_EQ(encoder.calls.filter("AddInput").size(), 2);
-    EXPECT_EQ(encoder.calls.filter("AddOutput").size(), 1);
-    EXPECT_EQ(messages, QStringList({"Attention!|48|opening input 'x'\n\nNo such file or directory"}));
-    EXPECT_EQ(converter.Get_ConversionState(), Conversion_Idle);
-    EXPECT_FALSE(converter.ProgressBar_Total.Visible);
+TEST_F(JobTest, RowsThatCannotBeQueuedGoToTheReportAndTheOthersRun) {
+    for (const bool atInput : {true, false}) {
+        SCOPED_TRACE(atInput ? "AddInput" : "AddOutput");
+        table.clearRows();
+        encoder.calls.clear();
+        sink.forms.clear();
+        addRows(3);
+        encoder.failInputAt = atInput ? 2 : -1;
+        encoder.failOutputAt = atInput ? -1 : 2;
+        encoder.error = "Invalid value '0' for option '-r'";
+        converter.Set_ConvertButton(Conversion_Idle);
+        converter.Start();
+        // No message stops the batch: rows 1 and 3 are queued as tasks 0 and 1, and Start runs.
+        EXPECT_TRUE(messages.isEmpty());
+        EXPECT_EQ(encoder.TaskCount(), 2);
+        EXPECT_EQ(encoder.calls.filter("AddOutput").last(), "AddOutput 1 " + dir.path() + "/out/clip3.MP4");
+        EXPECT_EQ(encoder.calls.last(), "Start 0");
+        EXPECT_EQ(status(1), "Unsuccessful! ");
+        EXPECT_EQ(table.icon(1), 11);
+        // Task numbers map back to their rows.
+        encoder.progress(1, 500, 1000);
+        EXPECT_EQ(table.progress(2).percent, 50);
+        encoder.terminate(0, true);
+        encoder.terminate(1, true);
+        encoder.terminate(-1, false);
+        EXPECT_EQ(status(0), "Done");
+        EXPECT_EQ(status(2), "Done");
+        ASSERT_EQ(sink.forms.size(), 1);
+        ASSERT_EQ(sink.forms.at(0).entries.size(), 1);
+        EXPECT_EQ(sink.forms.at(0).entries.at(0).text, "src2.avi");
+        EXPECT_EQ(sink.forms.at(0).entries.at(0).second, encoder.error);
+        encoder.failInputAt = encoder.failOutputAt = -1;
+    }
 }
 
 // ---- Output names
 
-TEST_F(JobTest, OutputNamesFollowTheNameModeAndTheM4Detour) {
+TEST_F(JobTest, OutputNamesNeverMeetTheirSourceEachOtherOrAFileTheUserKeeps) {
     addRows(2, "same");
+    // A camera file converted into its own folder: the output's name is the source's own.
+    addRows(1, "CAM_0001");
+    const int cam = 2;
+    table.setText(cam, FileCol::FileName, "CAM_0001.MP4");
+    table.setText(cam, FileCol::FilePath, dir.path() + "/out/");
     QDir().mkpath(dir.path() + "/out");
+    touch(dir.path() + "/out/CAM_0001.MP4");
     const QString taken = dir.path() + "/out/same.MP4";
     touch(taken);
 
-    // Renaming: the taken name gives way; the two rows of one batch aren't checked against each other.
-    converter.Start();
-    EXPECT_EQ(output(0), dir.path() + "/out/same_(new).MP4");
-    EXPECT_EQ(output(1), dir.path() + "/out/same_(new).MP4");
+    struct Case {
+        int nameMode;
+        QStringList outputs;
+        bool overwrite;
+    };
+    const QString out = dir.path() + "/out/";
+    const Case cases[] = {
+        // Renaming passes over the file on disk and over the name the batch gave out already.
+        {1, {out + "same_(new).MP4", out + "same_(new_1).MP4", out + "CAM_0001_(new).MP4"}, false},
+        // Overwriting replaces the older file, but never twice in one batch and never the source.
+        {0, {taken, out + "same_(new).MP4", out + "CAM_0001_(new).MP4"}, true},
+    };
+    for (const Case& c : cases) {
+        Output_NameMode = c.nameMode;
+        converter.Set_ConvertButton(Conversion_Idle);
+        converter.Start();
+        EXPECT_EQ(QStringList({output(0), output(1), output(2)}), c.outputs) << c.nameMode;
+        EXPECT_EQ(encoder.overwrite, c.overwrite);
+        QStringList planned;
+        for (const VideoConverter::RowJob& job : converter.Prepare_All())
+            planned << job.outputPath;
+        EXPECT_EQ(planned, c.outputs) << "the dry run plans the same names";
+    }
 
-    // Overwriting: the path stands as it is.
-    Output_NameMode = 0;
-    converter.Set_ConvertButton(Conversion_Idle);
-    converter.Start();
-    EXPECT_EQ(output(0), taken);
+    // A name taken while the task ran: the engine's landing place goes into the row.
+    encoder.landed[1] = out + "same_(new_7).MP4";
+    encoder.terminate(1, true);
+    EXPECT_EQ(output(1), out + "same_(new_7).MP4");
 
-    // M4R: the encoder writes .M4A, the column keeps .M4R, and the end of the task renames.
+    // M4R: the encoder writes .M4A under a name of ours, never over a file; the column keeps .M4R
+    // and the end of the task moves it there.
+    table.removeRows({2});
     setList(List_Extension, {"m4r"});
     converter.Set_ConvertButton(Conversion_Idle);
     converter.Start();
-    const QString wanted = dir.path() + "/out/same.M4R";
-    const QString written = dir.path() + "/out/same.M4A";
+    const QString wanted = out + "same.M4R";
+    const QString written = out + "same.M4A";
     EXPECT_EQ(output(0), wanted);
     EXPECT_EQ(encoder.tasks.at(0).output, written);
+    EXPECT_FALSE(encoder.overwrite);
     touch(written);
     encoder.terminate(0, true);
     EXPECT_EQ(status(0), "Done");
@@ -356,55 +389,47 @@ TEST_F(JobTest, WindowAndTrayDecideWhatTheEndShows) {
     }
 }
 
-TEST_F(JobTest, StopDuringRowThreeOfFiveCancelsTheRestAndDeletesTheirOutputs) {
-    startWithOutputs(5);
-    encoder.progress(0, 100, 1000);
-    encoder.terminate(0, true);
-    encoder.progress(1, 100, 1000);
-    encoder.terminate(1, true);
-    encoder.progress(2, 500, 1000);
-    // The engine delivers what its tasks posted inside Stop(true), the queue's end included.
-    encoder.duringStop = [this] {
-        encoder.terminate(2, false);
-        encoder.terminate(-1, false);
-    };
-    host.events.clear();
-    converter.Stop();
+TEST_F(JobTest, StopCancelsTheUnfinishedRowsAndDeletesNoFile) {
+    for (const bool merging : {false, true}) {
+        SCOPED_TRACE(merging ? "merging" : "not merging");
+        table.clearRows();
+        browser.mergeChecked = merging;
+        // Files under every output name: the finished rows' outputs, and older files of the user's
+        // under the names of the rows that never finished (the engine leaves nothing of those).
+        startWithOutputs(5);
+        encoder.progress(0, 100, 1000);
+        encoder.terminate(0, true);
+        encoder.progress(1, 100, 1000);
+        encoder.progress(3, 100, 1000); // two at once: task 3 finishes before task 1
+        encoder.terminate(3, true);
+        encoder.progress(1, 500, 1000);
+        encoder.duringStop = [this] {
+            encoder.terminate(1, false);
+            encoder.terminate(-1, false);
+        };
+        host.events.clear();
+        converter.Stop();
 
-    EXPECT_TRUE(converter.Stop_Requested);
-    for (int r = 0; r < 2; ++r) {
-        EXPECT_EQ(status(r), "Done") << r;
-        EXPECT_TRUE(QFileInfo::exists(output(r))) << r;
-    }
-    for (int r = 2; r < 5; ++r) {
-        EXPECT_EQ(status(r), "Canceled!") << r;
-        EXPECT_EQ(table.icon(r), 13) << r;
-        EXPECT_FALSE(QFileInfo::exists(output(r))) << r;
-    }
-    EXPECT_EQ(converter.Get_ConversionState(), Conversion_Idle);
-    EXPECT_TRUE(converter.Cmd_Convert.Enabled);
-    EXPECT_TRUE(converter.Cmd_StopEnabled);
-    EXPECT_EQ(converter.ProgressBar_Total.Value, 0);
-    EXPECT_EQ(converter.Current_Job, -1);
-    EXPECT_FALSE(converter.Timer_ConversionElapsed());
-    EXPECT_EQ(converter.Status_Header, "");
-    EXPECT_EQ(table.selectedRows(), QList<int>({2}));
-    // A stopped queue ends quietly.
-    EXPECT_FALSE(host.events.contains("completion"));
-    EXPECT_TRUE(sink.forms.isEmpty());
-    EXPECT_TRUE(encoder.calls.contains("Stop 1"));
-}
-
-TEST_F(JobTest, StopWhileMergingCancelsEveryRow) {
-    browser.mergeChecked = true;
-    startWithOutputs(3);
-    encoder.progress(0, 100, 1000);
-    encoder.terminate(0, true);
-    encoder.progress(1, 100, 1000);
-    converter.Stop();
-    for (int r = 0; r < 3; ++r) {
-        EXPECT_EQ(status(r), "Canceled!") << r;
-        EXPECT_FALSE(QFileInfo::exists(output(r))) << r;
+        EXPECT_TRUE(converter.Stop_Requested);
+        const QStringList expected = {"Done", "Canceled!", "Canceled!", "Done", "Canceled!"};
+        for (int r = 0; r < 5; ++r) {
+            EXPECT_EQ(status(r), expected.at(r)) << r;
+            EXPECT_TRUE(QFileInfo::exists(output(r))) << r;
+        }
+        EXPECT_EQ(table.icon(2), 13);
+        EXPECT_EQ(converter.Get_ConversionState(), Conversion_Idle);
+        EXPECT_TRUE(converter.Cmd_Convert.Enabled);
+        EXPECT_TRUE(converter.Cmd_StopEnabled);
+        EXPECT_EQ(converter.ProgressBar_Total.Value, 0);
+        EXPECT_EQ(converter.Current_Job, -1);
+        EXPECT_FALSE(converter.Timer_ConversionElapsed());
+        EXPECT_EQ(converter.Status_Header, "");
+        EXPECT_EQ(table.selectedRows(), QList<int>({1}));
+        // A stopped queue ends quietly.
+        EXPECT_FALSE(host.events.contains("completion"));
+        EXPECT_TRUE(sink.forms.isEmpty());
+        EXPECT_TRUE(encoder.calls.contains("Stop 1"));
+        encoder.duringStop = nullptr;
     }
 }
 
@@ -474,7 +499,7 @@ TEST_F(JobTest, OtherFailuresLetTheQueueRunOnAndEndInTheReport) {
     EXPECT_TRUE(QFileInfo::exists(output(0))); // not merging: the good outputs stay
 }
 
-TEST_F(JobTest, FailureUnderMergeDeletesEveryOutputAndSkipsTheMerge) {
+TEST_F(JobTest, FailureUnderMergeDeletesTheFinishedPiecesAndSkipsTheMerge) {
     browser.mergeChecked = true;
     int merges = 0;
     converter.Merge_Requested = [&merges] {
@@ -490,8 +515,10 @@ TEST_F(JobTest, FailureUnderMergeDeletesEveryOutputAndSkipsTheMerge) {
     EXPECT_EQ(sink.forms.size(), 1);
     EXPECT_EQ(merges, 0);
     EXPECT_EQ(host.windowState, Window_Normal); // brought back for the report
-    for (int r = 0; r < 3; ++r)
-        EXPECT_FALSE(QFileInfo::exists(output(r))) << r;
+    // The failed row's name may hold a file of the user's: only this run's pieces go.
+    EXPECT_FALSE(QFileInfo::exists(output(0)));
+    EXPECT_TRUE(QFileInfo::exists(output(1)));
+    EXPECT_FALSE(QFileInfo::exists(output(2)));
 }
 
 TEST_F(JobTest, MergeRunsAfterAGoodQueueAndItsFailureEndsQuietly) {

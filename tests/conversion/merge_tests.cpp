@@ -116,8 +116,35 @@ TEST_F(MergeTest, JoinsPiecesIntoTheFirstRowsName) {
         ASSERT_TRUE(makeClip(pieces.last(), "160x120"));
     }
     addDoneRows(pieces);
+    // Files of the user's under every name the temporary target could draw: none is touched.
+    QStringList users;
+    for (int n = 1; n <= 1000; ++n) {
+        users << dir.filePath(QStringLiteral("temp%1.MP4").arg(n));
+        QFile file(users.last());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("mine");
+    }
+    const auto usersIntact = [&] {
+        for (const QString& user : users) {
+            QFile file(user);
+            if (!file.open(QIODevice::ReadOnly) || file.readAll() != "mine") return false;
+        }
+        return QDir(dir.path()).entryList({"temp*"}, QDir::Files).size() == users.size();
+    };
+
+    // Ctrl-C of a terminal during the merge: it ends, and every piece stays.
+    merge.cancelRequested = [] { return true; };
+    EXPECT_FALSE(merge.Merge_All(table, dir.path() + '/', 0));
+    EXPECT_EQ(messages, QStringList({"Operation has been cancelled!"}));
+    for (const QString& piece : pieces)
+        EXPECT_TRUE(QFileInfo::exists(piece)) << piece.toStdString();
+    EXPECT_TRUE(usersIntact());
+    messages.clear();
+    merge.cancelRequested = nullptr;
+
     ASSERT_TRUE(merge.Merge_All(table, dir.path() + '/', 0));
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+    EXPECT_TRUE(usersIntact());
     // The first piece still stood when the name was chosen, so the joined file takes the next free one.
     const QString joined = dir.filePath("one piece_(new).mp4");
     EXPECT_EQ(merge.Merge_OutputPath, joined);
@@ -130,8 +157,6 @@ TEST_F(MergeTest, JoinsPiecesIntoTheFirstRowsName) {
         Time_ToSeconds(Time_FromPair(decoder->GetFileInfoDurationLow(), decoder->GetFileInfoDurationHigh()));
     EXPECT_NEAR(seconds, 3.0, 0.1);
     decoder->CloseFile();
-    QDir folder(dir.path());
-    EXPECT_TRUE(folder.entryList({"temp*"}, QDir::Files).isEmpty());
 }
 
 TEST_F(MergeTest, OnePieceOrBrokenPieces) {
