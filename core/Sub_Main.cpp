@@ -4,6 +4,7 @@
 #include "Encrypt_Mod.h"
 #include "Folders_Mods.h"
 #include "Globals.h"
+#include "Work_Folder.h"
 
 #include <QCoreApplication>
 
@@ -27,7 +28,11 @@ bool Sub_Main() {
     FAVORITE_MAX = favoriteMax;
 
     Folder_Data = Get_SpecialFolder(CSIDL_APPDATA) + Constant_Get(QStringLiteral("FOLDER_DATA"));
-    Folder_Temp = Get_SpecialFolder(CSIDL_APPDATA) + Constant_Get(QStringLiteral("FOLDER_TEMP"));
+    // The shared temporary folder holds one working folder per process; ours is what the program
+    // calls its temporary folder from here on.
+    const QString sharedTemp = Get_SpecialFolder(CSIDL_APPDATA) + Constant_Get(QStringLiteral("FOLDER_TEMP"));
+    Folder_Temp = Work_Folder_Open(sharedTemp);
+    if (Folder_Temp.isEmpty()) Folder_Temp = sharedTemp;
 
     const QString program = Program_Folder();
     Folder_Preset = program + QStringLiteral("Preset/");
