@@ -67,7 +67,10 @@ TEST(StartSequence, SubMainFillsTheGlobalsAndFolders) {
     EXPECT_GT(FAVORITE_MAX, 0);
     const QString appData = home.path() + "/.local/share/";
     EXPECT_EQ(Folder_Data, appData + Constant_Get("FOLDER_DATA"));
-    EXPECT_EQ(Folder_Temp, appData + Constant_Get("FOLDER_TEMP"));
+    // The process works in a folder of its own inside the shared temporary folder.
+    EXPECT_TRUE(Folder_Temp.startsWith(appData + Constant_Get("FOLDER_TEMP") + "run-"))
+        << Folder_Temp.toStdString();
+    EXPECT_TRUE(Folder_Temp.endsWith('/'));
     EXPECT_EQ(Folder_UserPreset, appData + Constant_Get("FOLDER_USER_PRESET"));
     EXPECT_EQ(Folder_UserFavorite, appData + Constant_Get("FOLDER_USER_FAVORITE"));
     EXPECT_EQ(File_UserPreset, Constant_Get("FILE_USER_PRESET"));

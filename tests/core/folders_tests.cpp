@@ -3,12 +3,17 @@
 #include "Folders_Mods.h"
 #include "Globals.h"
 #include "Registry_Mod.h"
+#include "Work_Folder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 using namespace morvane;
 
@@ -176,4 +181,27 @@ TEST_F(FoldersTest, DeletingALinkLeavesItsTargetAlone) {
     ASSERT_TRUE(QFile::link(home.path() + "/nowhere", link));
     Delete_File(link);
     EXPECT_FALSE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(FoldersTest, EachProcessWorksInAFolderOfItsOwnAndDeadOnesAreCleared) {
+    const QString shared = home.path() + "/shared/";
+    // A folder left by a killed process (its lock free) and one of a live process (lock held).
+    for (const char* name : {"run-1-dead", "run-2-live"}) {
+        QDir().mkpath(shared + name);
+        touch(shared + name + "/.lock");
+        touch(shared + name + "/file.txt");
+    }
+    const int held = ::open((shared + "run-2-live/.lock").toUtf8().constData(), O_RDONLY);
+    ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
+
+    const QString mine = Work_Folder_Open(shared);
+    ASSERT_TRUE(mine.startsWith(shared + "run-")) << mine.toStdString();
+    EXPECT_TRUE(QFileInfo(mine).isDir());
+    EXPECT_EQ(Work_Folder_Open(shared), mine); // one per process
+    EXPECT_FALSE(QFileInfo::exists(shared + "run-1-dead"));
+    EXPECT_TRUE(QFileInfo::exists(shared + "run-2-live/file.txt"));
+    touch(mine + "catalogue.dat");
+    Work_Folder_Close();
+    EXPECT_FALSE(QFileInfo::exists(mine));
+    ::close(held);
 }
