@@ -214,7 +214,11 @@ void VideoConverter::Cmd_ConvertPressed() {
 void VideoConverter::Start() {
     Stop_Requested = false;
     m_host.Set_AcceptDrops(false);
-    if (!Ensure_OutputFolder(Txt_OutputPath)) {
+    QString folderProblem;
+    if (!Ensure_OutputFolder(Txt_OutputPath, folderProblem)) {
+        // Without a word the user could not tell a typo from a folder they may not write to.
+        if (!folderProblem.isEmpty())
+            Show_Message(folderProblem, MB_ICONEXCLAMATION, QStringLiteral("Attention!"));
         m_host.Focus_OutputPath();
         m_host.Set_AcceptDrops(true);
         return;

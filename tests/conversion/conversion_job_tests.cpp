@@ -209,6 +209,9 @@ TEST_F(JobTest, OutputFolderThatCannotBeMadeLeavesIdle) {
     EXPECT_TRUE(host.events.contains("focus output"));
     EXPECT_TRUE(host.acceptDrops);
     EXPECT_TRUE(encoder.calls.isEmpty());
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.first().startsWith("Attention!|48|")) << messages.first().toStdString();
+    EXPECT_TRUE(messages.first().contains(dir.path() + "/missing")) << messages.first().toStdString();
 }
 
 TEST_F(JobTest, CancelDuringRowThreeOfFiveLeavesNoTasks) {
