@@ -93,9 +93,8 @@ frmMain::frmMain(MainSeams seams, std::unique_ptr<EncoderEngine> engine, std::un
     m_events = std::make_unique<EventRelay>(*m_converter, [this] { syncConversionViews(); });
     m_engine->SetListener(m_events.get());
     m_browser.fileListHasRecords = [this] { return m_table.rows() > 0; };
-    m_merge.waitStep = [](int milliseconds) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
-    };
+    // Closing the program during a merge ends the merge: its pieces stay, its half-joined file goes.
+    m_merge.cancelRequested = [this] { return m_unloaded; };
     m_merge.showWait = [this](bool show) { m_host->Merge_Wait(show); };
     m_converter->Merge_Requested = [this] {
         return m_merge.Merge_All(m_table, m_converter->Output_Folder(), m_browser.PanelActive);
