@@ -68,6 +68,8 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
                 options.listQuery = arguments.at(++i); // the query is optional
         } else if (name == QLatin1String("--dry-run") || name == QLatin1String("-n")) {
             options.dryRun = true;
+        } else if (name == QLatin1String("--verbose") || name == QLatin1String("-v")) {
+            options.verbose = true;
         } else {
             return QStringLiteral("unknown option ") + word;
         }
@@ -95,11 +97,14 @@ QString Cli_HelpText(const QString& program) {
                "  --overwrite, --rename  what to do with an existing output file\n"
                "  --list-presets [QUERY] list presets as \"Name | Maker | Keyword\"\n"
                "  --dry-run              show what would run, convert nothing\n"
+               "  --verbose              show the encoders' own log (settings, statistics)\n"
                "  --help                 show this text\n"
                "  --version              show the program version\n"
                "\n"
                "Folders are searched recursively for supported files.\n"
-               "Exit status: 0 all converted, 1 some failed, 2 usage error.\n")
+               "INT, TERM, HUP and QUIT stop the run as a press on Stop does: unfinished outputs\n"
+               "are deleted.\n"
+               "Exit status: 0 all converted, 1 some failed or stopped, 2 usage error.\n")
         .arg(program);
 }
 

@@ -20,6 +20,7 @@ struct CliOptions {
     bool listPresets = false;
     QString listQuery;
     bool dryRun = false;
+    bool verbose = false; // the encoders' own log on standard error
     bool help = false;
     bool version = false;
 };

@@ -3,11 +3,15 @@
 
 #include "CMD_MediaConvert.h"
 #include "Catalogue_Load.h"
+#include "Cli_Inputs.h"
 #include "Cli_Options.h"
+#include "Cli_Progress.h"
 #include "Cli_Settings.h"
 #include "FFDecoder.h"
 #include "FFEncoderEngine.h"
+#include "FFLogger.h"
 #include "FileList_Mods.h"
+#include "Folders_Mods.h"
 #include "Globals.h"
 #include "Import_Files.h"
 #include "OutputBrowser.h"
@@ -19,13 +23,13 @@
 #include "mMain.h"
 
 #include <QCoreApplication>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QThread>
 
 #include <csignal>
 #include <cstdio>
-#include <unistd.h>
+
+#include <signal.h>
 
 using namespace morvane;
 
@@ -33,15 +37,30 @@ namespace {
 
 enum ExitCode : int { Exit_Done = 0, Exit_Failed = 1, Exit_Usage = 2 };
 
+// Set by the stop signals; the run stops as the Stop button stops it, and a merge is cancelled.
 volatile std::sig_atomic_t interrupted = 0;
 
-void onInterrupt(int) {
+void onStopSignal(int) {
     interrupted = 1;
 }
 
+// Ctrl-C, a kill, a closed terminal and Ctrl-\ all end the run cleanly: no half-written output stays.
+void catchStopSignals() {
+    struct sigaction action {};
+    action.sa_handler = onStopSignal;
+    sigemptyset(&action.sa_mask);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        sigaction(number, &action, nullptr);
+}
+
+// Standard error, kept apart from the live progress line on a terminal.
+CliTerminal& terminal() {
+    static CliTerminal instance;
+    return instance;
+}
+
 void err(const QString& text) {
-    std::fputs(text.toLocal8Bit().constData(), stderr);
-    std::fputc('\n', stderr);
+    terminal().line(text);
 }
 
 void out(const QString& text) {
@@ -122,98 +141,6 @@ int panelOf(const QString& maker) {
     return Panel_Devices;
 }
 
-// Files of the inputs in the order given; folders walked recursively in name order. Missing paths
-// come back in `missing`.
-QStringList collectFiles(const QStringList& inputs, QStringList& missing) {
-    QStringList files;
-    for (const QString& input : inputs) {
-        const QFileInfo info(input);
-        if (info.isDir()) {
-            QStringList found;
-            QDirIterator walk(input, QDir::Files | QDir::Readable, QDirIterator::Subdirectories);
-            while (walk.hasNext()) {
-                const QString path = walk.next();
-                if (Is_SupportedName(path)) found << QFileInfo(path).absoluteFilePath();
-            }
-            found.sort();
-            files << found;
-        } else if (info.isFile()) {
-            if (Is_SupportedName(input))
-                files << info.absoluteFilePath();
-            else
-                err(QStringLiteral("skipped (unsupported type): ") + input);
-        } else {
-            missing << input;
-        }
-    }
-    return files;
-}
-
-QString bar(int percent) {
-    const int filled = qBound(0, percent, 100) / 5;
-    return QStringLiteral("[") + QString(filled, QLatin1Char('#')) + QString(20 - filled, QLatin1Char('-')) +
-           QStringLiteral("]");
-}
-
-// Prints progress when it changes: a redrawn line on a terminal, plain lines otherwise (every
-// 10 percent, so that a log stays short).
-class ProgressPrinter {
-public:
-    explicit ProgressPrinter(const FileViewMain& table) : m_table(table), m_tty(isatty(STDERR_FILENO) != 0) {
-        m_shown.fill(-1, table.rows());
-        m_status.resize(table.rows());
-    }
-
-    void update(const VideoConverter& converter) {
-        const int count = m_table.rows();
-        for (int r = 0; r < count; ++r) {
-            const RowProgress progress = m_table.progress(r);
-            const QString status = m_table.text(r, FileCol::Status).trimmed();
-            const QString prefix =
-                QStringLiteral("[%1/%2] %3 ").arg(r + 1).arg(count).arg(m_table.text(r, FileCol::FileName));
-            if (progress.active) {
-                const int step = m_tty ? progress.percent : progress.percent / 10 * 10;
-                if (step == m_shown[r]) continue;
-                m_shown[r] = step;
-                const QString total = QStringLiteral("  total %1%  %2")
-                                          .arg(converter.ProgressBar_Total.Maximum > 0
-                                                   ? converter.ProgressBar_Total.Value * 100 /
-                                                         converter.ProgressBar_Total.Maximum
-                                                   : 0)
-                                          .arg(Format_Seconds(converter.Elapsed_Seconds, false));
-                if (m_tty)
-                    live(prefix + bar(progress.percent) + QStringLiteral(" %1%").arg(progress.percent) +
-                         total);
-                else
-                    err(prefix + QStringLiteral("%1%").arg(step) + total);
-            } else if (!status.isEmpty() && status != m_status[r] && m_shown[r] >= 0) {
-                // The row has ended: its final word replaces the bar.
-                finishLive();
-                err(prefix + status);
-            }
-            m_status[r] = status;
-        }
-    }
-
-    void finishLive() {
-        if (m_liveOpen) std::fputs("\r\033[K", stderr);
-        m_liveOpen = false;
-    }
-
-private:
-    void live(const QString& text) {
-        std::fprintf(stderr, "\r\033[K%s", text.toLocal8Bit().constData());
-        std::fflush(stderr);
-        m_liveOpen = true;
-    }
-
-    const FileViewMain& m_table;
-    bool m_tty;
-    bool m_liveOpen = false;
-    QList<int> m_shown;
-    QStringList m_status;
-};
-
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -232,6 +159,11 @@ int main(int argc, char* argv[]) {
         out(Cli_HelpText(program));
         return Exit_Done;
     }
+    catchStopSignals();
+    // The encoders' own log (settings, statistics) only when asked for; errors always.
+    FFLogger logger;
+    logger.SetLogLevel(options.verbose ? 5 : 3);
+    QObject::connect(&logger, &FFLogger::OnLog, [](int, int, const QString& line) { err(line); });
     if (!Sub_Main()) return Exit_Failed;
     if (options.version) {
         out(PRODUCT_NAME + QLatin1Char(' ') + PRODUCT_VERSION);
@@ -276,16 +208,17 @@ int main(int argc, char* argv[]) {
 
     // Import: every file probed; refusals land in the report, kept apart because the end of the
     // queue rebuilds the report from the list.
-    QStringList missing;
-    const QStringList files = collectFiles(options.inputs, missing);
+    const CliInputs inputs = Cli_CollectInputs(options.inputs);
+    for (const QString& path : inputs.skipped)
+        err(QStringLiteral("skipped (unsupported type): ") + path);
     FileViewMain table;
     Report_Clear();
-    for (const QString& path : missing)
-        Report_Add(path, QStringLiteral("No such file or folder"));
+    for (const auto& [path, reason] : inputs.refused)
+        Report_Add(path, reason);
     {
         auto decoder = Make_FFDecoder();
-        for (const QString& path : files)
-            Fill_Item(path, 0, table, *decoder);
+        for (const QString& path : inputs.files)
+            if (!interrupted) Fill_Item(path, 0, table, *decoder);
     }
     const QList<ReportEntry> importFailures = Report_Entries();
     Report_Clear();
@@ -296,7 +229,7 @@ int main(int argc, char* argv[]) {
     };
 
     if (table.rows() == 0) {
-        if (importFailures.isEmpty() && missing.isEmpty()) err(QStringLiteral("no supported files found"));
+        if (importFailures.isEmpty()) err(QStringLiteral("no supported files found"));
         printReport(importFailures);
         return Exit_Failed;
     }
@@ -324,6 +257,16 @@ int main(int argc, char* argv[]) {
         return importFailures.isEmpty() ? Exit_Done : Exit_Failed;
     }
 
+    if (interrupted) {
+        err(QStringLiteral("stopped"));
+        return Exit_Failed;
+    }
+    QString folderProblem;
+    if (!Ensure_OutputFolder(converter.Txt_OutputPath, folderProblem)) {
+        err(QStringLiteral("cannot convert: ") + folderProblem);
+        return Exit_Failed;
+    }
+
     MergePipeline merge;
     if (options.merge) {
         merge.waitStep = [](int milliseconds) {
@@ -334,8 +277,7 @@ int main(int argc, char* argv[]) {
         };
     }
 
-    std::signal(SIGINT, onInterrupt);
-    std::signal(SIGTERM, onInterrupt);
+    const PositionTap positions(engine, converter);
     converter.Start();
     if (converter.Get_ConversionState() == Conversion_Idle && !converter.Timer_ConversionElapsed()) {
         // Start refused (its message is printed) or the queue ended at once.
@@ -348,21 +290,22 @@ int main(int argc, char* argv[]) {
         }
     }
 
-    ProgressPrinter progress(table);
+    ProgressPrinter progress(table, positions, terminal());
     bool stopped = false;
     while (converter.Get_ConversionState() != Conversion_Idle) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
         if (interrupted && !stopped) {
             stopped = true;
-            progress.finishLive();
+            terminal().endLive();
             err(QStringLiteral("stopping..."));
             converter.Stop();
         }
-        progress.update(converter);
+        progress.update();
         QThread::msleep(20);
     }
-    progress.update(converter);
-    progress.finishLive();
+    QCoreApplication::processEvents(); // log lines still queued
+    progress.update();
+    terminal().endLive();
 
     int done = 0;
     for (int r = 0; r < table.rows(); ++r)
@@ -374,6 +317,7 @@ int main(int argc, char* argv[]) {
             .arg(done)
             .arg(notDone)
             .arg(Format_Seconds(converter.Elapsed_Seconds, false)));
+    stopped = stopped || interrupted;
     if (stopped) err(QStringLiteral("stopped"));
     return notDone == 0 && !stopped ? Exit_Done : Exit_Failed;
 }

@@ -75,14 +75,46 @@ echo "plain text" >"$work/broken.mp4"
 "$cli" --preset "$preset" --output "$work/out2" "$work/broken.mp4" 2>"$work/err"; rc=$?
 [ $rc -eq 1 ] && grep -q "^failed: broken.mp4: " "$work/err"; check "a file that does not decode fails with its report line" $?
 
-# Ctrl-C stops as the Stop button does: the unfinished output is deleted and the run counts as failed.
+# Unreadable inputs and unusable output folders are named with the reason.
+"$cli" --preset "$preset" --dry-run "$work/clip1.mp4/inner.mp4" "$work/missing.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "^failed: .*inner.mp4: Not a directory" "$work/err" &&
+    grep -q "^failed: .*missing.mp4: No such file or directory" "$work/err"
+check "inputs that cannot be read say why" $?
+# Root reads every file: the check runs as nobody where the machine allows it.
+mkdir -p "$work/locked" "$work/nobody" && cp "$work/clip1.mp4" "$work/locked/" && chmod 000 "$work/locked"
+chmod 755 "$work" && chmod 777 "$work/nobody"
+as_user=()
+[ "$(id -u)" -eq 0 ] && as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+if [ "$(id -u)" -ne 0 ] || command -v setpriv >/dev/null; then
+    HOME="$work/nobody" XDG_CONFIG_HOME="$work/nobody/.config" XDG_DATA_HOME="$work/nobody/.local/share" \
+        "${as_user[@]}" "$cli" --preset "$preset" --dry-run "$work/locked/clip1.mp4" 2>"$work/err"; rc=$?
+    [ $rc -eq 1 ] && grep -q "^failed: .*clip1.mp4: Permission denied" "$work/err"
+    check "a file in an unreadable folder is reported as Permission denied" $?
+fi
+touch "$work/a-file"
+for out in "$work/a-file:is a file" "$work/none/deeper:does not exist"; do
+    "$cli" --preset "$preset" --output "${out%%:*}" "$work/clip1.mp4" 2>"$work/err"; rc=$?
+    [ $rc -eq 1 ] && grep -q "output folder '${out%%:*}'.* ${out#*:}" "$work/err"
+    check "an output folder that ${out#*:} is named with the reason" $?
+done
+
+# The encoders' own log only with --verbose.
+h264="MP4 - H.264 640 x 360"
+"$cli" --preset "$h264" --output "$work/quiet" "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 0 ] && ! grep -Eq "libx264|kb/s:" "$work/err"; check "without --verbose no encoder log" $?
+"$cli" --verbose --preset "$h264" --output "$work/loud" "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 0 ] && grep -q "libx264" "$work/err" && grep -q "kb/s:" "$work/err"; check "--verbose shows the encoder log" $?
+
+# Stop signals end the run as the Stop button does: nothing under the output name, status 1.
 ffmpeg -nostdin -v error -y -f lavfi -i testsrc2=size=640x360:rate=25:duration=60 -c:v mpeg4 "$work/long.mp4"
-"$cli" --preset "$preset" --output "$work/out3" "$work/long.mp4" 2>/dev/null &
-pid=$!
-for _ in $(seq 50); do [ -s "$work/out3/long.MP4" ] && break; sleep 0.1; done
-kill -INT "$pid"
-wait "$pid"; rc=$?
-[ $rc -eq 1 ] && [ ! -e "$work/out3/long.MP4" ]; check "Ctrl-C stops the run and deletes the unfinished output" $?
+for sig in INT TERM HUP QUIT; do
+    "$cli" --preset "$h264" --output "$work/sig$sig" "$work/long.mp4" 2>/dev/null &
+    pid=$!
+    for _ in $(seq 100); do [ -n "$(ls -A "$work/sig$sig" 2>/dev/null)" ] && break; sleep 0.05; done
+    kill -"$sig" "$pid"
+    wait "$pid"; rc=$?
+    [ $rc -eq 1 ] && [ ! -e "$work/sig$sig/long.MP4" ]; check "SIG$sig stops the run and leaves no output" $?
+done
 
 passed=$((checks - failures))
 echo "$passed passed, $failures failed"
