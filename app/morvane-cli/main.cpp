@@ -245,8 +245,8 @@ int main(int argc, char* argv[]) {
     }
 
     if (options.dryRun) {
-        for (int r = 0; r < table.rows(); ++r) {
-            const VideoConverter::RowJob job = converter.Prepare_Row(r);
+        // All rows at once, so that the names shown are those a run would give.
+        for (const VideoConverter::RowJob& job : converter.Prepare_All()) {
             out(QStringLiteral("input:     ") + job.inputPath);
             out(QStringLiteral("seek:      ") + job.seek);
             out(QStringLiteral("output:    ") + job.outputPath);
@@ -269,9 +269,7 @@ int main(int argc, char* argv[]) {
 
     MergePipeline merge;
     if (options.merge) {
-        merge.waitStep = [](int milliseconds) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
-        };
+        merge.cancelRequested = [] { return interrupted != 0; };
         converter.Merge_Requested = [&] {
             return merge.Merge_All(table, converter.Output_Folder(), browser.PanelActive);
         };

@@ -115,6 +115,18 @@ for sig in INT TERM HUP QUIT; do
     wait "$pid"; rc=$?
     [ $rc -eq 1 ] && [ ! -e "$work/sig$sig/long.MP4" ]; check "SIG$sig stops the run and leaves no output" $?
 done
+# A signal during the merge ends it: the merge child here never finishes by itself.
+mkdir -p "$work/bin"
+printf '#!/bin/sh\necho $$ >"%s/merging"\nexec sleep 60\n' "$work" >"$work/bin/ffmpeg" && chmod +x "$work/bin/ffmpeg"
+PATH="$work/bin:$PATH" "$cli" --merge --preset "$preset" --output "$work/merge" "$work/clip1.mp4" "$work/clip2.mp4" 2>/dev/null &
+pid=$!
+for _ in $(seq 200); do [ -e "$work/merging" ] && break; sleep 0.05; done
+kill -TERM "$pid"
+for _ in $(seq 100); do kill -0 "$pid" 2>/dev/null || break; sleep 0.05; done
+kill -0 "$pid" 2>/dev/null && kill -KILL "$pid"
+wait "$pid"; rc=$?
+kill "$(cat "$work/merging")" 2>/dev/null # the child, should it outlive a failed cancel
+[ $rc -eq 1 ]; check "SIGTERM cancels a merge in progress" $?
 
 passed=$((checks - failures))
 echo "$passed passed, $failures failed"
