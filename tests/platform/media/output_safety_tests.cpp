@@ -61,7 +61,7 @@ TEST_F(OutputSafetyTest, FinishedOutputsLandWithoutReplacingWhatTheUserKeeps) {
         bool existing;         // a file of the user's stands under the name before the run
         bool appearsMeanwhile; // one appears while the task runs
         const char* landsAs;   // "" = the name itself
-        bool userFileKept; // whatever the user had under the name is still there
+        bool userFileKept;     // whatever the user had under the name is still there
     };
     const Case cases[] = {
         {"fresh.mp4", false, false, false, "", false},
