@@ -9,6 +9,7 @@ packages=(
     libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libswresample-dev libavutil-dev
     libmpv-dev ffmpeg
     googletest libgtest-dev libbenchmark-dev
+    clang libclang-rt-14-dev llvm # the fuzz and ThreadSanitizer builds: libFuzzer, the runtimes, symbols
 )
 
 missing=()
