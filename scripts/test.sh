@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds Morvane and runs every test: the format check, the suite in a release build, and the suite
-# again under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Builds Morvane and runs every test: the format check, the suite in a release build, the suite again
+# under AddressSanitizer and UndefinedBehaviorSanitizer, the engine and controller suites under
+# ThreadSanitizer, and a short run of every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -23,5 +24,18 @@ cmake --build build/asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     ctest --test-dir build/asan --output-on-failure -j "$jobs" --timeout 600
 
+echo "== thread sanitizer build and tests (engine and controller)"
+# Clang; only the suites that run the encoder's worker threads. The peak memory test measures the
+# sanitizer's own shadow memory here, so it stays with the other two builds.
+CC=clang CXX=clang++ cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMORVANE_TSAN=ON \
+    -DMORVANE_BENCHMARKS=OFF
+cmake --build build/tsan -j "$jobs" --target media_encoder_tests media_conformance_tests conversion_job_tests
+TSAN_OPTIONS="second_deadlock_stack=1 suppressions=$PWD/tests/tsan/suppressions.txt" \
+    ctest --test-dir build/tsan -R '^(media_encoder_tests|media_conformance_tests|conversion_job_tests)\.' \
+    -E 'PeakMemoryDoesNotGrowWithTheInputsLength' --output-on-failure -j "$jobs" --timeout 600
+
 echo "== preset sweep (one per group)"
 bash tools/preset_sweep.sh build/release/app/morvane-cli --one-per-group
+
+echo "== fuzzing"
+bash scripts/fuzz.sh 30
