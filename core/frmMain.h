@@ -83,6 +83,9 @@ public:
     // ---- Closing.
     bool Form_QueryUnload();
     void Form_Unload();
+    // SIGINT and SIGTERM from now on end the program as Exit does during a conversion: the tasks
+    // stop, their unfinished outputs go, the program quits. For one window per process.
+    void Watch_TerminationSignals();
 
     // ---- For tests and the front end: the models and controls behind the window.
     FileViewMain& table() { return m_table; }

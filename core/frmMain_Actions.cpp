@@ -46,8 +46,14 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QShortcut>
+#include <QSocketNotifier>
 #include <QTableView>
 #include <QUrl>
+
+#include <csignal>
+
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace morvane {
 
@@ -501,6 +507,34 @@ void frmMain::Form_Unload() {
         m_seams.exitProcess(0);
     else
         QCoreApplication::exit(0);
+}
+
+namespace {
+// The handler only writes a byte; the window thread reads it.
+int g_signalPipe[2] = {-1, -1};
+
+void onTerminationSignal(int) {
+    const char byte = 1;
+    [[maybe_unused]] const ssize_t written = ::write(g_signalPipe[1], &byte, 1);
+}
+} // namespace
+
+void frmMain::Watch_TerminationSignals() {
+    if (g_signalPipe[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_signalPipe) != 0)
+        return;
+    auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+        char byte = 0;
+        [[maybe_unused]] const ssize_t got = ::read(g_signalPipe[0], &byte, 1);
+        notifier->setEnabled(false);
+        Form_Unload();
+    });
+    struct sigaction action {};
+    action.sa_handler = onTerminationSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -10,12 +10,6 @@
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QSocketNotifier>
-
-#include <csignal>
-
-#include <sys/socket.h>
-#include <unistd.h>
 
 using namespace morvane;
 
@@ -68,33 +62,6 @@ int showMessageBox(const QString& text, int flags, const QString& title, const Q
     }
 }
 
-// SIGINT and SIGTERM end the program as Exit does during a conversion: the tasks stop, their
-// unfinished outputs go, and the program quits. The handler only writes a byte; the window thread
-// reads it.
-int g_signalPipe[2] = {-1, -1};
-
-void onTerminationSignal(int) {
-    const char byte = 1;
-    [[maybe_unused]] const ssize_t written = ::write(g_signalPipe[1], &byte, 1);
-}
-
-void watchTerminationSignals(frmMain& window) {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_signalPipe) != 0) return;
-    auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, &window);
-    QObject::connect(notifier, &QSocketNotifier::activated, &window, [&window, notifier] {
-        char byte = 0;
-        [[maybe_unused]] const ssize_t got = ::read(g_signalPipe[0], &byte, 1);
-        notifier->setEnabled(false);
-        window.Form_Unload();
-    });
-    struct sigaction action {};
-    action.sa_handler = onTerminationSignal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-}
-
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -112,7 +79,7 @@ int main(int argc, char* argv[]) {
 
     frmMain window;
     window.Form_Load(QApplication::arguments().mid(1));
-    watchTerminationSignals(window);
+    window.Watch_TerminationSignals();
     window.show();
     return QApplication::exec();
 }

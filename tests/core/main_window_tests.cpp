@@ -300,6 +300,26 @@ TEST_F(MainWindow, CloseWhileConvertingAsksAndResumes) {
     Closing = false;
 }
 
+TEST_F(MainWindow, TerminationSignalEndsTheRunAsExitDoesAndLeavesNoPartialOutput) {
+    auto w = loadedWindow();
+    w->Watch_TerminationSignals();
+    nextChoice = {clip(QStringLiteral("long.mp4"), 20, QStringLiteral("640x360"))};
+    w->button(Btn_Add)->click();
+    w->button(Btn_Convert)->click();
+    ASSERT_EQ(w->converter().Get_ConversionState(), Conversion_Converting);
+    const QDir out(Path_Output);
+    ASSERT_TRUE(
+        waitFor([&] { return !out.entryList({"*.part"}, QDir::Files | QDir::Hidden).isEmpty(); }, 10000));
+
+    ::raise(SIGTERM);
+    EXPECT_TRUE(waitFor([&] { return !exits.isEmpty(); }, 3000));
+    EXPECT_EQ(exits, QList<int>{0});
+    EXPECT_TRUE(out.entryList(QDir::Files | QDir::Hidden).isEmpty())
+        << out.entryList(QDir::Files | QDir::Hidden).join(' ').toStdString();
+    EXPECT_TRUE(closeDialogs == 0 && messages.isEmpty()); // no question: a signal is no click
+    Closing = false;
+}
+
 TEST(MainWindowFilter, DialogFilterInQtForm) {
     EXPECT_EQ(Qt_DialogFilter(
                   QStringLiteral("Matroska Video (*.mkv)|*.mkv;|Quick Time Files (*.mov;*.qt)|*.mov;*.qt;")),
