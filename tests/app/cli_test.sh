@@ -3,16 +3,7 @@
 # conversion of generated clips and the report of a file that does not decode.
 set -u
 cli="$1"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" XDG_DATA_HOME="$work/home/.local/share"
-mkdir -p "$HOME"
-failures=0
-checks=0
-check() { # description, condition result
-    checks=$((checks + 1))
-    if [ "$2" -eq 0 ]; then echo "ok: $1"; else echo "FAILED: $1"; failures=$((failures + 1)); fi
-}
+source "$(dirname "$0")/checks.sh"
 preset="MP4 - MPEG-4 320 x 240 small"
 
 for n in 1 2; do
@@ -128,6 +119,4 @@ wait "$pid"; rc=$?
 kill "$(cat "$work/merging")" 2>/dev/null # the child, should it outlive a failed cancel
 [ $rc -eq 1 ]; check "SIGTERM cancels a merge in progress" $?
 
-passed=$((checks - failures))
-echo "$passed passed, $failures failed"
-[ "$failures" -eq 0 ]
+finish

@@ -4,16 +4,7 @@
 # file as it was and nothing under an unfinished output's name.
 set -u
 cli="$1"
-work=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null; rm -rf "$work"' EXIT
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" XDG_DATA_HOME="$work/home/.local/share"
-mkdir -p "$HOME"
-failures=0
-checks=0
-check() { # description, condition result
-    checks=$((checks + 1))
-    if [ "$2" -eq 0 ]; then echo "ok: $1"; else echo "FAILED: $1"; failures=$((failures + 1)); fi
-}
+source "$(dirname "$0")/checks.sh"
 preset="MP4 - MPEG-4 320 x 240 small"
 clip() { # path, seconds, size
     ffmpeg -nostdin -loglevel error -y -f lavfi -i "testsrc2=size=${3:-160x120}:rate=25:duration=$2" \
@@ -106,5 +97,4 @@ wait $pid; rc=$?
     [ "$(cat "$work/stop/long2.MP4")" = "older" ] && [ "$(parts "$work/stop")" -eq 0 ]
 check "Ctrl-C keeps finished outputs and older files and leaves nothing unfinished" $?
 
-echo "$((checks - failures)) passed, $failures failed"
-[ "$failures" -eq 0 ]
+finish

@@ -2,14 +2,7 @@
 # The table tool as people and the build use it: round trips, and clear failures on bad input.
 set -u
 tool="$1"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-checks=0
-check() { # description, condition result
-    checks=$((checks + 1))
-    if [ "$2" -eq 0 ]; then echo "ok: $1"; else echo "FAILED: $1"; failures=$((failures + 1)); fi
-}
+source "$(dirname "$0")/checks.sh"
 
 text='Phone "HD", 720 x 1280 é'
 hex=$("$tool" encipher-line "$text")
@@ -65,6 +58,4 @@ check "a write that runs out of room keeps the older output whole" $?
 
 "$tool" frobnicate 2>/dev/null; [ $? -eq 2 ]; check "an unknown command is a usage error" $?
 
-passed=$(( checks - failures ))
-echo "$passed passed, $failures failed"
-[ "$failures" -eq 0 ]
+finish
