@@ -91,8 +91,18 @@ ProgressPrinter::ProgressPrinter(const FileViewMain& table, const PositionTap& t
     : m_table(table), m_tap(tap), m_terminal(terminal) {
     m_clock.start();
     m_shown.fill(-1, table.rows());
-    m_status.resize(table.rows());
+    // What the rows say now (a row refused while the queue was prepared) is no news.
+    for (int r = 0; r < table.rows(); ++r)
+        m_status.append(table.text(r, FileCol::Status).trimmed());
 }
+
+namespace {
+// A row's last word: a fast file can end between two looks without ever showing progress.
+bool hasEnded(const QString& status) {
+    return status == QLatin1String("Done") || status == QLatin1String("Unsuccessful!") ||
+           status == QLatin1String("Canceled!");
+}
+} // namespace
 
 void ProgressPrinter::update() {
     const int count = m_table.rows();
@@ -111,7 +121,7 @@ void ProgressPrinter::update() {
                                     .arg(total)
                                     .arg(Format_Seconds(static_cast<int>(m_clock.elapsed() / 1000), false)));
             m_shown[r] = step;
-        } else if (!status.isEmpty() && status != m_status[r] && m_shown[r] >= 0) {
+        } else if (hasEnded(status) && status != m_status[r]) {
             m_terminal.line(prefix + status); // the row's final word
         }
         m_status[r] = status;
@@ -128,7 +138,7 @@ QString ProgressPrinter::liveText() const {
     const int filled = static_cast<int>(fraction * 20);
     int ended = 0;
     for (int r = 0; r < m_table.rows(); ++r)
-        if (m_shown[r] >= 0 && !m_table.progress(r).active) ++ended;
+        if (hasEnded(m_table.text(r, FileCol::Status).trimmed())) ++ended;
     QString text = QStringLiteral("[") + QString(filled, QLatin1Char('#')) +
                    QString(20 - filled, QLatin1Char('-')) +
                    QStringLiteral("] %1%").arg(static_cast<int>(fraction * 100), 3);
