@@ -117,6 +117,19 @@ bool Ensure_OutputFolder(QString& outputBoxText, QString& reason) {
     return false;
 }
 
+int Path_UnreadableError(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info {};
+    if (::stat(name.constData(), &info) != 0) return errno;
+    const int wanted = S_ISDIR(info.st_mode) ? R_OK | X_OK : R_OK;
+    return ::access(name.constData(), wanted) != 0 ? errno : 0;
+}
+
+QString Path_UnreadableReason(const QString& path) {
+    const int error = Path_UnreadableError(path);
+    return error == 0 ? QString() : QString::fromLocal8Bit(std::strerror(error));
+}
+
 QString Move_File(const QString& source, const QString& target) {
     QFile file(source);
     if (file.rename(target)) return QString();

@@ -31,6 +31,12 @@ bool Ensure_OutputFolder(QString& outputBoxText);
 // does not exist, or the system's words for why it cannot be made ("Permission denied").
 bool Ensure_OutputFolder(QString& outputBoxText, QString& reason);
 
+// "" when the path can be read (a folder also listed), else the system's words for why not, from
+// stat and access: "No such file or directory", "Permission denied", "Not a directory".
+QString Path_UnreadableReason(const QString& path);
+// The errno behind that reason, 0 when the path can be read.
+int Path_UnreadableError(const QString& path);
+
 // "" on success, else the system's description of the failure.
 QString Move_File(const QString& source, const QString& target);
 // Deletes the file, read-only or not; failures are ignored.

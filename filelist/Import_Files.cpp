@@ -2,6 +2,7 @@
 
 #include "FileList_Mods.h"
 #include "File_Names.h"
+#include "Folders_Mods.h"
 #include "Globals.h"
 #include "Library_List.h"
 #include "Registry_Mod.h"
@@ -9,6 +10,8 @@
 #include "mMain.h"
 
 #include <QFileInfo>
+
+#include <cerrno>
 
 namespace morvane {
 
@@ -88,7 +91,11 @@ void Import_Files(FileDialog& dialog, FileViewMain& table, const QString& path, 
         for (int i = 1; i <= count; ++i) {
             const QString& entry = entries.at(i - 1);
             if (!QFileInfo(entry).isFile()) {
-                Report_Add(File_ReportName(entry), QStringLiteral("File not found!"));
+                // A missing file keeps its short word; one in a folder we may not enter says why.
+                const int error = Path_UnreadableError(entry);
+                Report_Add(File_ReportName(entry), error == 0 || error == ENOENT
+                                                       ? QStringLiteral("File not found!")
+                                                       : Path_UnreadableReason(entry));
                 continue;
             }
             host.Wait_Step(Wait_FileNoText(i, count), File_ReportName(entry), i);

@@ -19,8 +19,4 @@ struct CliInputs {
 // their unreadable files and subfolders are refused.
 CliInputs Cli_CollectInputs(const QStringList& inputs);
 
-// "" when the path can be read (a folder also listed), else the system's words for why not, from
-// the errno of stat or access: "No such file or directory", "Permission denied", "Not a directory".
-QString Cli_UnreadableReason(const QString& path);
-
 } // namespace morvane
