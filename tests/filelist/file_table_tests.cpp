@@ -19,11 +19,23 @@ void addRows(FileViewMain& table, int n) {
     }
 }
 
-QString touch(const QTemporaryDir& dir, const QString& name) {
-    const QString path = dir.filePath(name);
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    return path;
+QList<bool> existing(const QStringList& paths) {
+    QList<bool> out;
+    for (const QString& p : paths)
+        out.append(QFile::exists(p));
+    return out;
+}
+
+// A table of n rows, each with a thumbnail file of its own in dir.
+QStringList addRowsWithThumbnails(FileViewMain& table, const QTemporaryDir& dir, int n) {
+    addRows(table, n);
+    QStringList thumbs;
+    for (int r = 0; r < n; ++r) {
+        thumbs.append(dir.filePath(QStringLiteral("t%1.bmp").arg(r)));
+        QFile(thumbs.last()).open(QIODevice::WriteOnly);
+        table.setText(r, FileCol::Thumbnail, thumbs.last());
+    }
+    return thumbs;
 }
 
 } // namespace
@@ -161,29 +173,23 @@ TEST(FileTable, TotalsRoundEachRowAndCountFiles) {
 TEST(FileTable, RemoveSelectedDeletesThumbnailsOfEverySelectedRow) {
     QTemporaryDir dir;
     FileViewMain table;
-    addRows(table, 4);
-    QStringList thumbs;
-    for (int r = 0; r < 4; ++r) {
-        thumbs.append(touch(dir, QStringLiteral("t%1.bmp").arg(r)));
-        table.setText(r, FileCol::Thumbnail, thumbs.last());
+    const QStringList thumbs = addRowsWithThumbnails(table, dir, 4);
+    for (int r = 0; r < 4; ++r)
         table.setText(r, FileCol::SrcDuration, QStringLiteral("1.00"));
-    }
     table.setText(3, FileCol::Thumbnail, dir.filePath(QStringLiteral("gone.bmp"))); // already missing
     table.setSelectedRows({3, 0, 2});
     Remove_Selected(table);
 
     ASSERT_EQ(table.rows(), 1);
     EXPECT_EQ(table.text(0, FileCol::Name), QStringLiteral("clip1"));
-    EXPECT_FALSE(QFile::exists(thumbs[0]));
-    EXPECT_TRUE(QFile::exists(thumbs[1]));
-    EXPECT_FALSE(QFile::exists(thumbs[2]));
+    EXPECT_EQ(existing(thumbs), (QList<bool>{false, true, false, true}));
     EXPECT_TRUE(table.selectedRows().isEmpty());
 
     table.selectRow(0);
     Remove_Selected(table);
     Update_Totals(table);
     EXPECT_EQ(table.rows(), 0);
-    EXPECT_FALSE(QFile::exists(thumbs[1]));
+    EXPECT_EQ(existing(thumbs), (QList<bool>{false, false, false, true}));
     EXPECT_EQ(table.footer(FileCol::Name), QStringLiteral(" 0 file"));
     EXPECT_EQ(table.footer(FileCol::Duration), QStringLiteral("00:00:00"));
     Remove_Selected(table); // an empty table returns at once
@@ -202,20 +208,14 @@ TEST(FileTable, SelectionFollowsRemovedRows) {
 TEST(FileTable, RemoveAllDeletesEveryThumbnail) {
     QTemporaryDir dir;
     FileViewMain table;
-    addRows(table, 3);
-    QStringList thumbs;
-    for (int r = 0; r < 3; ++r) {
-        thumbs.append(touch(dir, QStringLiteral("a%1.bmp").arg(r)));
-        table.setText(r, FileCol::Thumbnail, r == 1 ? QString() : thumbs.last());
-    }
+    const QStringList thumbs = addRowsWithThumbnails(table, dir, 3);
+    table.setText(1, FileCol::Thumbnail, QString());
     table.selectRow(2);
     Remove_All(table);
     EXPECT_EQ(table.rows(), 0);
     EXPECT_EQ(table.rowCount(), 0);
     EXPECT_TRUE(table.selectedRows().isEmpty());
-    EXPECT_FALSE(QFile::exists(thumbs[0]));
-    EXPECT_TRUE(QFile::exists(thumbs[1])); // not the row's thumbnail
-    EXPECT_FALSE(QFile::exists(thumbs[2]));
+    EXPECT_EQ(existing(thumbs), (QList<bool>{false, true, false})); // the second was not the row's
 }
 
 TEST(FileTable, TimePairsKeepSignedWordsAndRebuild) {
