@@ -39,6 +39,12 @@ protected:
         decoder.media.insert(path, media);
         Fill_Item(path, mode, table, decoder);
     }
+    QStringList cells(std::initializer_list<int> columns, int row = 0) const {
+        QStringList texts;
+        for (int c : columns)
+            texts.append(table.text(row, c));
+        return texts;
+    }
     int thumbnails() const {
         return static_cast<int>(QDir(temp.path()).entryList({QStringLiteral("*.bmp")}, QDir::Files).size());
     }
@@ -70,52 +76,31 @@ TEST_F(FillItem, AcceptedFileFillsEveryColumn) {
 
     ASSERT_EQ(table.rows(), 1);
     EXPECT_TRUE(Report_Entries().isEmpty());
-    const auto at = [&](int c) { return table.text(0, c); };
-    EXPECT_EQ(at(FileCol::Name), QStringLiteral("clip.final"));
-    EXPECT_EQ(at(FileCol::Format), QStringLiteral("MP4"));
-    EXPECT_EQ(at(FileCol::Duration), QStringLiteral("01:02:05"));
-    EXPECT_EQ(at(FileCol::Status), QString());
-    EXPECT_EQ(at(FileCol::SrcDuration), QStringLiteral("3725.50"));
-    EXPECT_EQ(table.second(0, FileCol::SrcDuration), QStringLiteral("3725.50"));
-    EXPECT_EQ(at(FileCol::FileName), QStringLiteral("clip.final.mp4"));
-    EXPECT_EQ(at(FileCol::FilePath), QStringLiteral("/videos/"));
-    EXPECT_EQ(table.longValue(0, FileCol::FileSize), 123456);
-    EXPECT_EQ(table.longValue(0, FileCol::FileDuration), m.durationLow);
-    EXPECT_TRUE(table.boolValue(0, FileCol::VideoStream));
-    EXPECT_TRUE(table.boolValue(0, FileCol::AudioStream));
-    EXPECT_TRUE(table.boolValue(0, FileCol::SubtitleStream));
-    EXPECT_EQ(at(FileCol::SubtitleCount), QStringLiteral("1"));
-    EXPECT_EQ(at(FileCol::VideoCodecName), QStringLiteral("H.264 / AVC / MPEG-4 AVC / MPEG-4 part 10"));
-    EXPECT_EQ(at(FileCol::VideoWidth), QStringLiteral("160"));
-    EXPECT_EQ(at(FileCol::VideoHeight), QStringLiteral("120"));
-    EXPECT_EQ(at(FileCol::VideoBitRate), QStringLiteral("800000"));
-    EXPECT_EQ(at(FileCol::VideoFrameRateNumerator), QStringLiteral("29"));
-    EXPECT_EQ(at(FileCol::VideoSampleAspectRatio), QStringLiteral("1.33"));
-    EXPECT_EQ(at(FileCol::VideoDurationLow), QStringLiteral("99"));
-    EXPECT_EQ(at(FileCol::VideoLanguage), QStringLiteral("eng"));
-    EXPECT_EQ(at(FileCol::AudioCodecName), QStringLiteral("AAC (Advanced Audio Coding)"));
-    EXPECT_EQ(at(FileCol::AudioSampleRate), QStringLiteral("44100"));
-    EXPECT_EQ(at(FileCol::AudioChannels), QStringLiteral("2"));
-    EXPECT_EQ(at(FileCol::AudioDurationLow), QStringLiteral("98"));
-    EXPECT_EQ(at(FileCol::AudioLanguage), QStringLiteral("fre"));
-    EXPECT_EQ(at(FileCol::FileTitle), QStringLiteral("T"));
-    EXPECT_EQ(at(FileCol::FileAuthor), QStringLiteral("A"));
-    EXPECT_EQ(at(FileCol::FileYear), QStringLiteral("2019"));
-    EXPECT_EQ(at(FileCol::FileTrack), QStringLiteral("3"));
-    EXPECT_EQ(at(FileCol::TrimStartLow), QStringLiteral("0"));
-    EXPECT_EQ(at(FileCol::TrimStartHigh), QStringLiteral("0"));
-    EXPECT_EQ(table.timePair(0, FileCol::TrimEndLow, FileCol::TrimEndHigh), 3725500000LL);
-    EXPECT_EQ(at(FileCol::TrimEndLow), QStringLiteral("-569467296")); // the low word above 2^31 - 1
-    EXPECT_EQ(table.timePair(0, FileCol::FileDurationLow, FileCol::FileDurationHigh), 3725500000LL);
-    for (int c = FileCol::CropTop; c <= FileCol::PadColor; ++c)
-        EXPECT_EQ(at(c), QStringLiteral("0")) << c;
-    EXPECT_EQ(at(FileCol::CropWidth), QStringLiteral("160"));
-    EXPECT_EQ(at(FileCol::CropHeight), QStringLiteral("120"));
-    EXPECT_EQ(at(FileCol::Filters), QString());
-    EXPECT_EQ(at(FileCol::Deinterlacing), QStringLiteral("1"));
-    EXPECT_EQ(at(FileCol::FileExt), QStringLiteral("MP4"));
-    EXPECT_EQ(at(FileCol::NewAspectRatio), QStringLiteral("Original"));
-    EXPECT_EQ(at(FileCol::ErrMsg), QString());
+    using namespace FileCol;
+    EXPECT_EQ(
+        cells({Name, Format, Duration, Status, SrcDuration, FileName, FilePath, FileSize, SubtitleCount}),
+        (QStringList{"clip.final", "MP4", "01:02:05", "", "3725.50", "clip.final.mp4", "/videos/", "123456",
+                     "1"}));
+    EXPECT_EQ(table.second(0, SrcDuration), QStringLiteral("3725.50"));
+    EXPECT_EQ(table.longValue(0, FileDuration), m.durationLow);
+    EXPECT_TRUE(table.boolValue(0, VideoStream) && table.boolValue(0, AudioStream) &&
+                table.boolValue(0, SubtitleStream));
+    EXPECT_EQ(cells({VideoCodecName, VideoWidth, VideoHeight, VideoBitRate, VideoFrameRateNumerator,
+                     VideoSampleAspectRatio, VideoDurationLow, VideoLanguage}),
+              (QStringList{"H.264 / AVC / MPEG-4 AVC / MPEG-4 part 10", "160", "120", "800000", "29", "1.33",
+                           "99", "eng"}));
+    EXPECT_EQ(cells({AudioCodecName, AudioSampleRate, AudioChannels, AudioDurationLow, AudioLanguage}),
+              (QStringList{"AAC (Advanced Audio Coding)", "44100", "2", "98", "fre"}));
+    EXPECT_EQ(cells({FileTitle, FileAuthor, FileYear, FileTrack}), (QStringList{"T", "A", "2019", "3"}));
+
+    // Nothing trimmed: the end is the whole length, its low word above 2^31 - 1 stored negative.
+    EXPECT_EQ(cells({TrimStartLow, TrimStartHigh, TrimEndLow}), (QStringList{"0", "0", "-569467296"}));
+    EXPECT_EQ(table.timePair(0, TrimEndLow, TrimEndHigh), 3725500000LL);
+    EXPECT_EQ(table.timePair(0, FileDurationLow, FileDurationHigh), 3725500000LL);
+    for (int c = CropTop; c <= PadColor; ++c)
+        EXPECT_EQ(table.text(0, c), QStringLiteral("0")) << c;
+    EXPECT_EQ(cells({CropWidth, CropHeight, Filters, Deinterlacing, FileExt, NewAspectRatio, ErrMsg}),
+              (QStringList{"160", "120", "", "1", "MP4", "Original", ""}));
     EXPECT_EQ(table.icon(0), 12); // Ready
     EXPECT_EQ(decoder.opens, 1);
     EXPECT_EQ(decoder.closes, 1);
@@ -162,11 +147,10 @@ TEST_F(FillItem, NoValueDurationGivesZeroAndAThumbnailOfTheFirstFrame) {
     m.durationHigh = kNoValue;
     fill(m, QStringLiteral("/videos/raw.h264"));
     ASSERT_EQ(table.rows(), 1);
-    EXPECT_EQ(table.text(0, FileCol::Duration), QStringLiteral("00:00:00"));
-    EXPECT_EQ(table.text(0, FileCol::SrcDuration), QStringLiteral("0.00"));
-    EXPECT_EQ(table.text(0, FileCol::TrimEndLow), QStringLiteral("0"));
-    EXPECT_EQ(table.text(0, FileCol::TrimEndHigh), QStringLiteral("0"));
-    EXPECT_EQ(table.text(0, FileCol::FileDuration), QStringLiteral("0")); // the low word as read
+    using namespace FileCol;
+    // The file's duration cell keeps the low word as read.
+    EXPECT_EQ(cells({Duration, SrcDuration, TrimEndLow, TrimEndHigh, FileDuration}),
+              (QStringList{"00:00:00", "0.00", "0", "0", "0"}));
     EXPECT_TRUE(decoder.seeks.isEmpty());
     EXPECT_FALSE(table.text(0, FileCol::Thumbnail).isEmpty());
 }
