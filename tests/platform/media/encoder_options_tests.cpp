@@ -124,23 +124,21 @@ TEST(EncoderOptions, RefusesWithTheOptionAndValueAtFault) {
 }
 
 TEST(EncoderOptions, InputOptionsHoldOnlyTheSeek) {
-    struct Case {
-        const char* text;
-        std::int64_t seekUs;
-        const char* error; // "" when the text is accepted
-    };
-    for (const Case& c : {Case{"", 0, ""}, Case{" -ss 12.345678", 12345678, ""}, Case{" -ss 0.000001", 1, ""},
-                          Case{" -ss", 0, "Missing argument for option 'ss'"},
-                          Case{" -ss x", 0, "Invalid value 'x' for option '-ss'"},
-                          Case{" -t 3", 0, "Unrecognized input option 't'"}}) {
-        InputOptions in;
-        std::string error;
-        EXPECT_EQ(Parse_InputOptions(c.text, in, error), *c.error == 0) << c.text;
-        EXPECT_EQ(error, c.error) << c.text;
-        if (*c.error == 0) {
-            EXPECT_EQ(in.seekUs, c.seekUs) << c.text;
-        }
-    }
+    InputOptions in;
+    std::string error;
+    ASSERT_TRUE(Parse_InputOptions("", in, error));
+    EXPECT_EQ(in.seekUs, 0);
+    ASSERT_TRUE(Parse_InputOptions(" -ss 12.345678", in, error));
+    EXPECT_EQ(in.seekUs, 12345678);
+    ASSERT_TRUE(Parse_InputOptions(" -ss 0.000001", in, error));
+    EXPECT_EQ(in.seekUs, 1);
+
+    EXPECT_FALSE(Parse_InputOptions(" -ss", in, error));
+    EXPECT_EQ(error, "Missing argument for option 'ss'");
+    EXPECT_FALSE(Parse_InputOptions(" -ss x", in, error));
+    EXPECT_EQ(error, "Invalid value 'x' for option '-ss'");
+    EXPECT_FALSE(Parse_InputOptions(" -t 3", in, error));
+    EXPECT_EQ(error, "Unrecognized input option 't'");
 }
 
 } // namespace
