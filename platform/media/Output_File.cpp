@@ -32,9 +32,12 @@ std::string systemError(int code) {
     return std::strerror(code);
 }
 
-// The part-file prefix of a final name: ".<name>."
+// The part-file prefix of a final name: ".<name>.". A name near the file system's limit of 255 bytes
+// is cut, so that the part's own name still fits.
 std::string partPrefix(const std::string& finalPath) {
-    return "." + nameOf(finalPath) + ".";
+    constexpr std::size_t kLongest = 200;
+    const std::string name = nameOf(finalPath);
+    return "." + (name.size() > kLongest ? name.substr(0, kLongest) + "~" : name) + ".";
 }
 
 std::string randomTag() {
