@@ -271,11 +271,9 @@ bool VideoConverter::prepareQueue() {
     m_waitOpen = true;
     letMessagesThrough();
 
-    QSet<QString> taken = batchInputs(m_table);
+    const QList<RowJob> jobs = Prepare_All();
     for (int row = 0; row < rows; ++row) {
-        const RowJob job = Prepare_Row(row, taken);
-        taken.insert(Path_Key(job.outputPath));
-        taken.insert(Path_Key(job.encoderPath));
+        const RowJob& job = jobs.at(row);
         m_table.setText(row, FileCol::ConvertedFileName, job.outputPath);
 
         // The .M4A detour is our own name: it never replaces a file that stands there.
