@@ -115,8 +115,9 @@ int main(int argc, char** argv) {
             readLines(data.filePath(QString::fromLatin1(base) + QStringLiteral(".txt")));
         if (lines.size() < 2) return 1;
         for (int first = 1, n = 0; first < lines.size(); first += lines.size() / 4 + 1, ++n) {
-            // First byte: bit 0 enciphered, bit 1 append, as table_load_fuzz reads it.
-            for (const char mode : {0, 1, 2, 3}) {
+            // First byte: bit 0 enciphered, bit 1 append, bit 2 all or nothing, as table_load_fuzz
+            // reads it.
+            for (const char mode : {0, 1, 2, 3, 4, 5, 6, 7}) {
                 const QString name =
                     QStringLiteral("table/%1-%2-%3").arg(QLatin1String(base)).arg(n).arg(int(mode));
                 seed(name, QByteArray(1, mode) + tableSlice(lines, first, 3, mode & 1));
