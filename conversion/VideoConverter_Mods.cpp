@@ -218,7 +218,8 @@ void VideoConverter::Start() {
     if (!Ensure_OutputFolder(Txt_OutputPath, folderProblem)) {
         // Without a word the user could not tell a typo from a folder they may not write to.
         if (!folderProblem.isEmpty())
-            Show_Message(folderProblem, MB_ICONEXCLAMATION, QStringLiteral("Attention!"));
+            Show_Message(folderProblem.left(1).toUpper() + folderProblem.mid(1) + QLatin1Char('.'),
+                         MB_ICONEXCLAMATION, QStringLiteral("Attention!"));
         m_host.Focus_OutputPath();
         m_host.Set_AcceptDrops(true);
         return;

@@ -210,7 +210,8 @@ TEST_F(JobTest, OutputFolderThatCannotBeMadeLeavesIdle) {
     EXPECT_TRUE(host.acceptDrops);
     EXPECT_TRUE(encoder.calls.isEmpty());
     ASSERT_EQ(messages.size(), 1);
-    EXPECT_TRUE(messages.first().startsWith("Attention!|48|")) << messages.first().toStdString();
+    EXPECT_TRUE(messages.first().startsWith("Attention!|48|The ")) << messages.first().toStdString();
+    EXPECT_TRUE(messages.first().endsWith(".")) << messages.first().toStdString();
     EXPECT_TRUE(messages.first().contains(dir.path() + "/missing")) << messages.first().toStdString();
 }
 
