@@ -10,6 +10,7 @@ packages=(
     libmpv-dev ffmpeg
     googletest libgtest-dev libbenchmark-dev
     clang libclang-rt-14-dev llvm # the fuzz and ThreadSanitizer builds: libFuzzer, the runtimes, symbols
+    ccache # a build dir made anew (a fresh clone) compiles only what changed since the last build
 )
 
 missing=()
