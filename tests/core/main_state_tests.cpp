@@ -68,17 +68,19 @@ TEST(MainStateRule, EachStateAndFlagAsTheTableSays) {
 }
 
 TEST(MainStateRule, FavoritesPanelTurnsOffSettingsAndAnEmptyOneTheConvertButton) {
-    MainStateView v = Main_StateRule(0, true, {true, true});
-    EXPECT_EQ(v.buttons[Btn_Settings], false);
-    EXPECT_EQ(v.buttons[Btn_Convert], false); // files in the list, yet nothing to convert with
-    v = Main_StateRule(0, true, {true, false});
-    EXPECT_EQ(v.buttons[Btn_Settings], false);
-    EXPECT_EQ(v.buttons[Btn_Convert], true);
-    // Outside state 0 the favorites change nothing.
-    v = Main_StateRule(1, true, {true, true});
-    EXPECT_EQ(v.buttons[Btn_Convert], true);
-    v = Main_StateRule(2, true, {true, true});
-    EXPECT_EQ(v.buttons[Btn_Settings], true);
+    struct Case {
+        int state;
+        bool empty;
+        bool settings, convert;
+    };
+    // Outside state 0 the favorites change nothing; an empty panel leaves nothing to convert with.
+    const Case cases[] = {
+        {0, true, false, false}, {0, false, false, true}, {1, true, false, true}, {2, true, true, true}};
+    for (const Case& c : cases) {
+        const MainStateView v = Main_StateRule(c.state, true, {true, c.empty});
+        EXPECT_EQ(v.buttons[Btn_Settings], c.settings) << c.state << c.empty;
+        EXPECT_EQ(v.buttons[Btn_Convert], c.convert) << c.state << c.empty;
+    }
 }
 
 namespace {
@@ -128,99 +130,63 @@ private:
 
 } // namespace
 
-TEST(CloseConversation, WhileConverting) {
-    const QString question = QString::fromLatin1(kTerminateQuestion);
-    {
-        SCOPED_TRACE("always ask, Escape on the dialog: refused, the queue runs on");
-        Close_DontAsk = false;
-        CloseScene scene(1);
-        scene.dialogEvent = 0;
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 1);
-        EXPECT_EQ(scene.presses, 2);
-        EXPECT_EQ(scene.state(), 1);
-        EXPECT_TRUE(scene.questions.isEmpty());
-    }
-    {
-        SCOPED_TRACE("don't ask, event 1: no dialog, paused and resumed, to the tray");
-        Close_DontAsk = true;
-        Close_Event = 1;
-        CloseScene scene(1);
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 0);
-        EXPECT_EQ(scene.presses, 2);
-        EXPECT_EQ(scene.state(), 1);
-        EXPECT_EQ(scene.trays, 1);
-    }
-    {
-        SCOPED_TRACE("exit chosen, No to the question: running again");
-        Close_DontAsk = false;
-        CloseScene scene(1);
-        scene.dialogEvent = 2;
-        scene.dialogDontAsk = false;
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.questions, QStringList{question});
-        EXPECT_EQ(scene.state(), 1);
-    }
-    {
-        SCOPED_TRACE("paused before the close, No: it runs afterwards");
-        Close_DontAsk = true;
-        Close_Event = 2;
-        CloseScene scene(2);
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.presses, 1);
-        EXPECT_EQ(scene.state(), 1);
-    }
-    {
-        SCOPED_TRACE("Yes ends the program with the queue left paused for the unload");
-        Close_DontAsk = true;
-        Close_Event = 2;
-        CloseScene scene(1);
-        scene.answer = ID_YES;
-        EXPECT_TRUE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.state(), 2);
-        EXPECT_EQ(scene.trays, 0);
-    }
-}
-
-TEST(CloseConversation, WithNothingRunning) {
-    {
-        SCOPED_TRACE("asked: Exit closes and the settings are saved");
-        Close_DontAsk = false;
-        CloseScene scene(0);
-        scene.dialogEvent = 2;
-        scene.dialogDontAsk = true;
-        EXPECT_TRUE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 1);
-        EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QStringLiteral("CloseEvent")), QStringLiteral("2"));
-        EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QStringLiteral("CloseDontAskMe")), QStringLiteral("-1"));
-        EXPECT_EQ(scene.presses, 0);
-    }
-    {
-        SCOPED_TRACE("asked: Escape refuses, the next close asks again");
-        Close_DontAsk = false;
-        CloseScene scene(0);
-        scene.dialogEvent = 0;
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 2);
-    }
-    {
-        SCOPED_TRACE("tray remembered: no dialog, refused, to the tray");
-        Close_DontAsk = true;
-        Close_Event = 1;
-        CloseScene scene(0);
-        EXPECT_FALSE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 0);
-        EXPECT_EQ(scene.trays, 1);
-    }
-    {
-        SCOPED_TRACE("after the queue's shutdown nothing is asked");
-        Close_DontAsk = false;
-        Close_Event = 0;
-        CloseScene scene(0);
-        scene.shutdownAfter = 1;
-        EXPECT_TRUE(Form_QueryUnload(scene.seams()));
-        EXPECT_EQ(scene.dialogs, 0);
+TEST(CloseConversation, AsksPausesAndEndsAsChosen) {
+    const QStringList terminate{QString::fromLatin1(kTerminateQuestion)};
+    struct Case {
+        const char* name;
+        int state;    // of the queue when the close comes
+        bool dontAsk; // remembered choice, with closeEvent
+        int closeEvent;
+        int dialogEvent; // the dialog's answer, with dialogDontAsk
+        bool dialogDontAsk;
+        int answer; // to the terminate question
+        int shutdownAfter;
+        int closes;
+        bool closed;
+        int dialogs, presses, endState, trays;
+        bool asked;
+        const char* storedEvent = nullptr; // nullptr: not checked
+        const char* storedDontAsk = nullptr;
+    };
+    const Case cases[] = {
+        {"converting, Escape on the dialog: refused, the queue runs on", 1, false, 0, 0, false, ID_NO, 0, 1,
+         false, 1, 2, 1, 0, false},
+        {"converting, tray remembered: no dialog, paused and resumed", 1, true, 1, 0, false, ID_NO, 0, 1,
+         false, 0, 2, 1, 1, false},
+        {"converting, exit chosen, No to the question: running again", 1, false, 0, 2, false, ID_NO, 0, 1,
+         false, 1, 2, 1, 0, true},
+        {"paused before the close, No: it runs afterwards", 2, true, 2, 0, false, ID_NO, 0, 1, false, 0, 1, 1,
+         0, true},
+        {"Yes ends the program with the queue left paused for the unload", 1, true, 2, 0, false, ID_YES, 0, 1,
+         true, 0, 1, 2, 0, true},
+        {"idle, asked: Exit closes and the settings are saved", 0, false, 0, 2, true, ID_NO, 0, 1, true, 1, 0,
+         0, 0, false, "2", "-1"},
+        {"idle, asked: Escape refuses, the next close asks again", 0, false, 0, 0, false, ID_NO, 0, 2, false,
+         2, 0, 0, 0, false},
+        {"idle, tray remembered: no dialog, refused, to the tray", 0, true, 1, 0, false, ID_NO, 0, 1, false,
+         0, 0, 0, 1, false},
+        {"after the queue's shutdown nothing is asked", 0, false, 0, 0, false, ID_NO, 1, 1, true, 0, 0, 0, 0,
+         false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Close_DontAsk = c.dontAsk;
+        Close_Event = c.closeEvent;
+        CloseScene scene(c.state);
+        scene.dialogEvent = c.dialogEvent;
+        scene.dialogDontAsk = c.dialogDontAsk;
+        scene.answer = c.answer;
+        scene.shutdownAfter = c.shutdownAfter;
+        for (int i = 0; i < c.closes; ++i)
+            EXPECT_EQ(Form_QueryUnload(scene.seams()), c.closed);
+        EXPECT_EQ(scene.dialogs, c.dialogs);
+        EXPECT_EQ(scene.presses, c.presses);
+        EXPECT_EQ(scene.state(), c.endState);
+        EXPECT_EQ(scene.trays, c.trays);
+        EXPECT_EQ(scene.questions, c.asked ? terminate : QStringList());
+        if (c.storedEvent) {
+            EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QStringLiteral("CloseEvent")), c.storedEvent);
+            EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QStringLiteral("CloseDontAskMe")), c.storedDontAsk);
+        }
     }
 }
