@@ -97,27 +97,23 @@ protected:
 
 TEST_F(FormatSettingTest, ApplyingAPresetFillsEveryField) {
     settings.PresetList_Select(0);
-    EXPECT_EQ(text(List_VideoCodec), "H.264");
-    EXPECT_EQ(text(List_AudioCodec), "AAC");
+    const std::pair<int, const char*> shown[] = {
+        {List_VideoCodec, "H.264"},  {List_AudioCodec, "AAC"},         {List_FrameSize, "1280 x 720"},
+        {List_FrameRate, "30 fps"},  {List_VideoBitrate, "Smart Fit"}, {List_Extension, "mp4"},
+        {List_Aspect, "16:9"},       {List_SampleRate, "44100 Hz"},    {List_Channels, "Stereo"},
+        {List_SampleSize, "16 bit"}, {List_AudioBitrate, "128 kbps"}};
+    for (const auto& [list, value] : shown)
+        EXPECT_EQ(text(list), value) << list;
     EXPECT_EQ(settings.Txt_OutputVideoWidth.text, "1280");
     EXPECT_EQ(settings.Txt_OutputVideoHeight.text, "720");
-    EXPECT_EQ(text(List_FrameSize), "1280 x 720");
     EXPECT_FALSE(settings.Txt_OutputVideoWidth.visible);
-    EXPECT_EQ(text(List_FrameRate), "30 fps");
     EXPECT_EQ(settings.Radio_Quality, Quality_High);
     EXPECT_TRUE(settings.qualityEnabled);
-    EXPECT_EQ(text(List_VideoBitrate), "Smart Fit");
     EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "7741"); // 1280 x 720 x 30 x 4 x 0.07 / 1000
     // The lower limit was taken when the codec was selected, before the size was set: 720 x 560.
     EXPECT_EQ(settings.Txt_OutputVideoBitrate.minimum, 564);
     EXPECT_EQ(settings.Txt_OutputVideoBitrate.maximum, 50000);
     EXPECT_EQ(settings.Txt_OutputVideoWidth.maximum, 1920);
-    EXPECT_EQ(text(List_Extension), "mp4");
-    EXPECT_EQ(text(List_Aspect), "16:9");
-    EXPECT_EQ(text(List_SampleRate), "44100 Hz");
-    EXPECT_EQ(text(List_Channels), "Stereo");
-    EXPECT_EQ(text(List_SampleSize), "16 bit");
-    EXPECT_EQ(text(List_AudioBitrate), "128 kbps");
     EXPECT_EQ(settings.Combo_OutputFile[List_AudioBitrate].count(), 14);
     EXPECT_EQ(settings.Txt_Keyword, "MP4");
     EXPECT_EQ(settings.Txt_Image, "hd.png");

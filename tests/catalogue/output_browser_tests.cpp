@@ -28,6 +28,17 @@ QStringList presetRow(const QString& id, const QString& name, const QString& key
             "128 kbps"};
 }
 
+void addPresets(CatalogueTable& presets, const QList<QStringList>& rows) {
+    if (presets.columnCount() == 0)
+        for (const QString& column : kPresetColumns)
+            presets.addColumn(column, 200);
+    for (const QStringList& row : rows) {
+        const qsizetype added = presets.addRecord();
+        for (qsizetype i = 0; i < row.size(); ++i)
+            presets.setCell(added, i, row.at(i));
+    }
+}
+
 class BrowserTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -46,31 +57,24 @@ protected:
             true, 0);
         Row_AddFromText(formats, "MP4//#//AAC//#//#//#//#//0//0//0//44100 Hz;//Stereo;//16 bit;", 0, true, 0);
 
-        CatalogueTable& presets = catalogue.ReportControl_PresetMain;
-        for (const QString& column : kPresetColumns)
-            presets.addColumn(column, 200);
-        const QList<QStringList> rows = {
-            presetRow("v1", "MP4 SD", "MP4", "VideoFormat"),
-            presetRow("v2", "MP4 HD", "MP4", "VideoFormat"),
-            presetRow("v3", "[%Custom%]", "MP4", "VideoFormat"),
-            presetRow("v4", "AVI SD", "AVI", "VideoFormat"),
-            presetRow("v5", "MP4 Phone", "mp4", "VideoFormat"), // same group, other case
-            presetRow("v6", "GIF small", "GIF", "VideoFormat"),
-            presetRow("v7", "gif lower", "gif", "VideoFormat"),
-            presetRow("v8", "Long one", "Windows Media Video", "VideoFormat"),
-            presetRow("d1", "iPhone 15", "iPhone", "Apple"),
-            presetRow("d2", "iPhone 14", "iPhone", "Apple"),
-            presetRow("d3", "iPad", "iPad", "Apple"),
-            presetRow("d4", "Galaxy S24", "Galaxy", "Samsung"),
-            presetRow("d5", "GIF on phone", "GIF", "Samsung"),
-            presetRow("a1", "MP3 128", "MP3", "AudioFormat"),
-            presetRow("u1", "My own", "MP4", "VideoFormat", "Yes"),
-        };
-        for (const QStringList& row : rows) {
-            const qsizetype added = presets.addRecord();
-            for (qsizetype i = 0; i < row.size(); ++i)
-                presets.setCell(added, i, row.at(i));
-        }
+        addPresets(catalogue.ReportControl_PresetMain,
+                   {
+                       presetRow("v1", "MP4 SD", "MP4", "VideoFormat"),
+                       presetRow("v2", "MP4 HD", "MP4", "VideoFormat"),
+                       presetRow("v3", "[%Custom%]", "MP4", "VideoFormat"),
+                       presetRow("v4", "AVI SD", "AVI", "VideoFormat"),
+                       presetRow("v5", "MP4 Phone", "mp4", "VideoFormat"), // same group, other case
+                       presetRow("v6", "GIF small", "GIF", "VideoFormat"),
+                       presetRow("v7", "gif lower", "gif", "VideoFormat"),
+                       presetRow("v8", "Long one", "Windows Media Video", "VideoFormat"),
+                       presetRow("d1", "iPhone 15", "iPhone", "Apple"),
+                       presetRow("d2", "iPhone 14", "iPhone", "Apple"),
+                       presetRow("d3", "iPad", "iPad", "Apple"),
+                       presetRow("d4", "Galaxy S24", "Galaxy", "Samsung"),
+                       presetRow("d5", "GIF on phone", "GIF", "Samsung"),
+                       presetRow("a1", "MP3 128", "MP3", "AudioFormat"),
+                       presetRow("u1", "My own", "MP4", "VideoFormat", "Yes"),
+                   });
         for (int panel : {Panel_VideoFormats, Panel_AudioFormats})
             browser.Panel_BuildButtons(panel, panel == Panel_VideoFormats ? "VideoFormat" : "AudioFormat");
         browser.Panel_BuildButtons(Panel_Devices, "Apple");
@@ -192,14 +196,10 @@ TEST_F(BrowserTest, MakerChangeResetsTheRememberedIndexes) {
 }
 
 TEST_F(BrowserTest, OnlyThirtyOneButtonsRememberTheirPreset) {
-    CatalogueTable& presets = catalogue.ReportControl_PresetMain;
-    for (int i = 0; i < 32; ++i) {
-        const QStringList row = presetRow(QString("w%1").arg(i), QString("Site %1").arg(i),
-                                          QString("Site%1").arg(i), "WebFormat");
-        const qsizetype added = presets.addRecord();
-        for (qsizetype c = 0; c < row.size(); ++c)
-            presets.setCell(added, c, row.at(c));
-    }
+    for (int i = 0; i < 32; ++i)
+        addPresets(catalogue.ReportControl_PresetMain,
+                   {presetRow(QString("w%1").arg(i), QString("Site %1").arg(i), QString("Site%1").arg(i),
+                              "WebFormat")});
     browser.Panel_BuildButtons(Panel_WebFormats, "WebFormat");
     ASSERT_EQ(browser.strips[Panel_WebFormats].buttons.size(), 32);
     browser.PanelActive = Panel_WebFormats;
@@ -288,15 +288,10 @@ TEST_F(BrowserTest, FavoritesToggleSaveAndRefresh) {
 
 TEST(PresetSearch, FillsLiveAndSkipsPlaceholders) {
     CatalogueTable presets;
-    for (const QString& column : kPresetColumns)
-        presets.addColumn(column, 200);
-    for (const QStringList& row :
-         {presetRow("1", "MP4 HD", "MP4", "VideoFormat"), presetRow("2", "[%Custom%]", "MP4", "VideoFormat"),
-          presetRow("3", "iPhone", "Phones", "Apple"), presetRow("4", "Mine", "MP4", "VideoFormat", "Yes")}) {
-        const qsizetype added = presets.addRecord();
-        for (qsizetype i = 0; i < row.size(); ++i)
-            presets.setCell(added, i, row.at(i));
-    }
+    addPresets(presets, {presetRow("1", "MP4 HD", "MP4", "VideoFormat"),
+                         presetRow("2", "[%Custom%]", "MP4", "VideoFormat"),
+                         presetRow("3", "iPhone", "Phones", "Apple"),
+                         presetRow("4", "Mine", "MP4", "VideoFormat", "Yes")});
     CatalogueTable view;
     Search_Fill(presets, "videoformat", view);
     ASSERT_EQ(view.rowCount(), 2);
@@ -309,9 +304,8 @@ TEST(PresetSearch, FillsLiveAndSkipsPlaceholders) {
     EXPECT_EQ(view.rowCount(), 0);
     Search_Fill(presets, " hd", view); // the query itself is not trimmed
     EXPECT_EQ(view.rowCount(), 1);
-    EXPECT_EQ(Search_CountText(1), "1 preset");
-    EXPECT_EQ(Search_CountText(0), "0 presets");
-    EXPECT_EQ(Search_CountText(7), "7 presets");
+    for (const auto& [count, text] : {std::pair{1, "1 preset"}, {0, "0 presets"}, {7, "7 presets"}})
+        EXPECT_EQ(Search_CountText(count), text);
 }
 
 TEST_F(BrowserTest, ASearchForADeviceLeavesTheOpenPanelsMemoryAlone) {

@@ -53,7 +53,8 @@ protected:
         open();
     }
 
-    void open() {
+    // A fresh window, with the query typed when one is given.
+    void open(const char* query = nullptr) {
         calls.clear();
         dialog = std::make_unique<frmSearch>(presets,
                                              [this](const QString& n, const QString& m, const QString& k) {
@@ -69,6 +70,7 @@ protected:
         ASSERT_TRUE(box && clear && view && count && ok && close);
         ASSERT_TRUE(dialog->findChild<QTimer*>("Timer_OK_Button"));
         dialog->show();
+        if (query) QTest::keyClicks(box, query);
     }
 
     QStringList shownColumn(int column) const {
@@ -192,28 +194,24 @@ TEST_F(SearchWindow, EveryRoadOfChoosingPassesTheTrimmedHitAndCloses) {
     QTest::mouseClick(ok, Qt::LeftButton);
     expectClosedWith(iphone);
 
-    open();
-    QTest::keyClicks(box, "iphone");
+    open("iphone");
     QTest::keyClick(box, Qt::Key_Return);
     expectClosedWith(iphone);
 
-    open();
-    QTest::keyClicks(box, "iphone");
+    open("iphone");
     view->setFocus();
     QTest::keyClick(view, Qt::Key_Enter);
     expectClosedWith(iphone);
 
     // The arrows in the box walk the hits; Enter then takes the one walked to.
-    open();
-    QTest::keyClicks(box, "sd");
+    open("sd");
     QTest::keyClick(box, Qt::Key_Down);
     EXPECT_EQ(selectedRow(), 1);
     EXPECT_EQ(box->text(), "sd");
     QTest::keyClick(box, Qt::Key_Return);
     expectClosedWith({"AVI SD", "VideoFormat", "AVI"});
 
-    open();
-    QTest::keyClicks(box, "mp4");
+    open("mp4");
     const QRect second = view->visualRect(view->model()->index(1, 0));
     ASSERT_TRUE(second.isValid());
     // A real double click starts with a press and release; the test library sends only the last event.
@@ -223,9 +221,8 @@ TEST_F(SearchWindow, EveryRoadOfChoosingPassesTheTrimmedHitAndCloses) {
     expectClosedWith({"MP4 HD", "VideoFormat", "MP4"});
 
     // A user preset stands among the others; a refusal by the browser still closes the window.
-    open();
+    open("own");
     answer = false;
-    QTest::keyClicks(box, "own");
     QTest::mouseClick(ok, Qt::LeftButton);
     expectClosedWith({"My own", "VideoFormat", "MP4"});
 }
@@ -242,14 +239,12 @@ TEST_F(SearchWindow, EscapeAndCloseLeaveWithoutAChoice) {
     QTest::keyClick(box, Qt::Key_Escape);
     expectClosedWithoutChoice();
 
-    open();
-    QTest::keyClicks(box, "mp4");
+    open("mp4");
     view->setFocus();
     QTest::keyClick(view, Qt::Key_Escape);
     expectClosedWithoutChoice();
 
-    open();
-    QTest::keyClicks(box, "mp4");
+    open("mp4");
     QTest::mouseClick(close, Qt::LeftButton);
     expectClosedWithoutChoice();
 }
