@@ -41,17 +41,14 @@ protected:
             return ID_OK;
         });
         Set_ReportSink(&sink);
-        setList(List_VideoCodec, {"H.264"});
-        setList(List_FrameSize, {"Original"});
-        setList(List_FrameRate, {"Original"});
-        setList(List_Extension, {"mp4"});
-        setList(List_AudioCodec, {"AAC"});
-        setList(List_SampleRate, {"44100 Hz"});
-        setList(List_AudioBitrate, {"128 kbps"});
+        const std::pair<int, const char*> lists[] = {
+            {List_VideoCodec, "H.264"},      {List_FrameSize, "Original"}, {List_FrameRate, "Original"},
+            {List_Extension, "mp4"},         {List_AudioCodec, "AAC"},     {List_SampleRate, "44100 Hz"},
+            {List_AudioBitrate, "128 kbps"}, {List_SampleSize, "16 bit"},  {List_Aspect, "Original"},
+            {List_VideoBitrate, "Smart Fit"}};
+        for (const auto& [list, text] : lists)
+            setList(list, {text});
         setList(List_Channels, {"Mono", "Stereo"}, 1);
-        setList(List_SampleSize, {"16 bit"});
-        setList(List_Aspect, {"Original"});
-        setList(List_VideoBitrate, {"Smart Fit"});
         settings.Txt_OutputVideoWidth.text = "0";
         settings.Txt_OutputVideoHeight.text = "0";
         settings.Radio_Quality = Quality_High;
@@ -88,6 +85,11 @@ protected:
             table.setLong(r, FileCol::CropHeight, 120);
             table.setText(r, FileCol::PadColor, "black");
         }
+    }
+    // A new run from the idle button, as the next press of Convert makes it.
+    void restart() {
+        converter.Set_ConvertButton(Conversion_Idle);
+        converter.Start();
     }
     QString status(int row) const { return table.text(row, FileCol::Status); }
     QString output(int row) const { return table.text(row, FileCol::ConvertedFileName); }
@@ -192,10 +194,9 @@ TEST_F(JobTest, ThreadModeDecidesTheTasksAtOnce) {
         {false, "4", "Start 0"}, {true, "3", "Start 3"}, {true, "abc", "Start 1"}, {true, "", "Start 1"}};
     addRows(1);
     for (const Case& c : cases) {
-        converter.Set_ConvertButton(Conversion_Idle);
         converter.chkThreadMode = c.mode;
         converter.txtThreadCount = c.count;
-        converter.Start();
+        restart();
         EXPECT_EQ(encoder.calls.last(), c.start) << c.count;
     }
 }
@@ -244,8 +245,7 @@ TEST_F(JobTest, RowsThatCannotBeQueuedGoToTheReportAndTheOthersRun) {
         encoder.failInputAt = atInput ? 2 : -1;
         encoder.failOutputAt = atInput ? -1 : 2;
         encoder.error = "Invalid value '0' for option '-r'";
-        converter.Set_ConvertButton(Conversion_Idle);
-        converter.Start();
+        restart();
         // No message stops the batch: rows 1 and 3 are queued as tasks 0 and 1, and Start runs.
         EXPECT_TRUE(messages.isEmpty());
         EXPECT_EQ(encoder.TaskCount(), 2);
@@ -297,8 +297,7 @@ TEST_F(JobTest, OutputNamesNeverMeetTheirSourceEachOtherOrAFileTheUserKeeps) {
     };
     for (const Case& c : cases) {
         Output_NameMode = c.nameMode;
-        converter.Set_ConvertButton(Conversion_Idle);
-        converter.Start();
+        restart();
         EXPECT_EQ(QStringList({output(0), output(1), output(2)}), c.outputs) << c.nameMode;
         EXPECT_EQ(encoder.overwrite, c.overwrite);
         QStringList planned;
@@ -316,8 +315,7 @@ TEST_F(JobTest, OutputNamesNeverMeetTheirSourceEachOtherOrAFileTheUserKeeps) {
     // and the end of the task moves it there.
     table.removeRows({2});
     setList(List_Extension, {"m4r"});
-    converter.Set_ConvertButton(Conversion_Idle);
-    converter.Start();
+    restart();
     const QString wanted = out + "same.M4R";
     const QString written = out + "same.M4A";
     EXPECT_EQ(output(0), wanted);
@@ -382,8 +380,7 @@ TEST_F(JobTest, WindowAndTrayDecideWhatTheEndShows) {
     };
     addRows(1);
     for (const Case& c : cases) {
-        converter.Set_ConvertButton(Conversion_Idle);
-        converter.Start();
+        restart();
         host.windowState = c.windowState;
         host.trayAnimating = c.tray;
         host.events.clear();
@@ -451,8 +448,7 @@ TEST_F(JobTest, TheTwoStoppingFailuresStopTheQueueWithTheirMessage) {
     addRows(3);
     for (const Case& c : cases) {
         messages.clear();
-        converter.Set_ConvertButton(Conversion_Idle);
-        converter.Start();
+        restart();
         encoder.calls.clear();
         encoder.progress(0, 100, 1000);
         encoder.terminate(0, true);
@@ -537,8 +533,7 @@ TEST_F(JobTest, MergeRunsAfterAGoodQueueAndItsFailureEndsQuietly) {
     for (bool result : {true, false}) {
         mergeResult = result;
         host.events.clear();
-        converter.Set_ConvertButton(Conversion_Idle);
-        converter.Start();
+        restart();
         EXPECT_TRUE(encoder.tasks.at(0).arguments.contains("scale=160:120")) << "merge takes row 0's size";
         encoder.terminate(0, true);
         encoder.terminate(1, true);
@@ -649,8 +644,7 @@ TEST_F(JobTest, ElapsedTimeCountsTicksAndHoldsWhilePaused) {
         converter.Timer_ConversionElapsed_Tick();
     EXPECT_EQ(converter.Status_Header, "Elapsed: 01:00:00");
     // A new run starts again from nothing.
-    converter.Set_ConvertButton(Conversion_Idle);
-    converter.Start();
+    restart();
     converter.Timer_ConversionElapsed_Tick();
     EXPECT_EQ(converter.Status_Header, "Elapsed: 00:00:01");
 }
