@@ -108,6 +108,14 @@ protected:
         return std::system(cmd.c_str()) == 0;
     }
     static QString out(const char* name) { return s_dir->filePath(name); }
+    // Queues one task, starts it alone and waits for the queue's end.
+    static bool runOne(FFEncoder& enc, Recorder& rec, const QString& input, const QString& inputArgs,
+                       const QString& output, const QString& args) {
+        enc.AddInput(input, inputArgs);
+        const int added = enc.AddOutput(0, output, args);
+        EXPECT_EQ(added, 0) << enc.LastErrorMessage().toStdString();
+        return added == 0 && enc.Start(1) && rec.waitForEnd();
+    }
 
     static QTemporaryDir* s_dir;
     static QString s_clip;
@@ -198,10 +206,8 @@ TEST_F(EncoderTest, SeekStartsAtTheAskedFrameNotTheKeyFrameBeforeIt) {
     const auto keyFrame = reference("0.96", "at096.png");
     FFEncoder enc;
     Recorder rec(enc);
-    enc.AddInput(clip(), " -ss 1.04");
-    ASSERT_EQ(enc.AddOutput(0, out("seek.avi"), " -an  -r 25 -vb 4000k -vcodec mpeg4 -t 0.2"), 0);
-    enc.Start(1);
-    ASSERT_TRUE(rec.waitForEnd());
+    ASSERT_TRUE(
+        runOne(enc, rec, clip(), " -ss 1.04", out("seek.avi"), " -an  -r 25 -vb 4000k -vcodec mpeg4 -t 0.2"));
     const auto ours = firstFrameRgb(out("seek.avi"));
     EXPECT_LT(meanDifference(ours, exact), 3.0);
     EXPECT_LT(meanDifference(ours, exact), meanDifference(ours, keyFrame) / 2);
@@ -226,10 +232,7 @@ TEST_F(EncoderTest, HookChangesEveryOutputFrameOnlyWithItsSwitch) {
                     if (x % 4 != 3)
                         bits[y * stride + x] = static_cast<std::uint8_t>(255 - bits[y * stride + x]);
         });
-        enc.AddInput(clip(), "");
-        EXPECT_EQ(enc.AddOutput(0, output, args), 0);
-        enc.Start(1);
-        EXPECT_TRUE(rec.waitForEnd());
+        EXPECT_TRUE(runOne(enc, rec, clip(), "", output, args));
         EXPECT_TRUE(rec.terminateOf(0) && rec.terminateOf(0)->finished);
     };
     run(out("plain.avi"), tail);
@@ -273,13 +276,9 @@ TEST_F(EncoderTest, PreviewComesOnlyWhileEnabled) {
                              previews.push_back({task, w, h, bits});
                          });
         enc.SetPreviewEnabled(enabled);
-        enc.AddInput(clip(), "");
         // 4:3 pixels shown as 16:9: the preview follows the display shape.
-        ASSERT_EQ(
-            enc.AddOutput(0, out("preview.avi"), " -an  -aspect 16:9 -vcodec mpeg4 -vf \" scale=320:240\""),
-            0);
-        enc.Start(1);
-        ASSERT_TRUE(rec.waitForEnd());
+        ASSERT_TRUE(runOne(enc, rec, clip(), "", out("preview.avi"),
+                           " -an  -aspect 16:9 -vcodec mpeg4 -vf \" scale=320:240\""));
         if (!enabled) {
             EXPECT_TRUE(previews.empty());
             continue;
@@ -561,10 +560,7 @@ TEST_F(EncoderTest, InputWhoseSizeRateAndLayoutChangeMidwayConvertsLikeTheFfmpeg
               0);
     FFEncoder enc;
     Recorder rec(enc);
-    enc.AddInput(QString::fromStdString(joined), "");
-    ASSERT_EQ(enc.AddOutput(0, out("joined.mp4"), args), 0);
-    enc.Start(1);
-    ASSERT_TRUE(rec.waitForEnd());
+    ASSERT_TRUE(runOne(enc, rec, QString::fromStdString(joined), "", out("joined.mp4"), args));
     ASSERT_TRUE(rec.terminateOf(0)->finished) << rec.terminateOf(0)->message.toStdString();
 
     const Props ours = probe(out("joined.mp4"));
@@ -599,16 +595,8 @@ TEST_F(EncoderTest, PeakMemoryDoesNotGrowWithTheInputsLength) {
     // In this process, the peak reset before each run: a 10 s and a 60 s input through the same job
     // must peak within a few megabytes of each other. Whatever grew with the length (frames queued
     // in the muxer, packets kept, a leak per frame) would show six times over in the long run.
-    const auto makeInput = [&](const QString& path, int seconds) {
-        const std::string cmd =
-            "ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=160x120:rate=25:duration=" +
-            std::to_string(seconds) +
-            " -f lavfi -i sine=frequency=440:sample_rate=48000:duration=" + std::to_string(seconds) +
-            " -ac 2 -c:v mpeg4 -c:a pcm_s16le '" + path.toStdString() + "'";
-        return std::system(cmd.c_str()) == 0;
-    };
-    ASSERT_TRUE(makeInput(out("ten.mkv"), 10));
-    ASSERT_TRUE(makeInput(out("sixty.mkv"), 60));
+    ASSERT_TRUE(makeClip(out("ten.mkv"), 10));
+    ASSERT_TRUE(makeClip(out("sixty.mkv"), 60));
     if (!resetPeak()) GTEST_SKIP() << "this kernel cannot reset the peak resident set";
 
     const auto peakOf = [&](const QString& input, const QString& output) {
