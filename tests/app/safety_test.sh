@@ -47,12 +47,11 @@ done
 # Two runs into one folder at once, both overwriting: the second begins while the first converts, so
 # neither output is a file the other was asked to replace, and both stay.
 mkdir -p "$work/twice"
-clip "$work/mid.mp4" 20 320x240
-"$cli" --preset "$preset" --output "$work/twice" --overwrite "$work/mid.mp4" 2>/dev/null &
+"$cli" --preset "$preset" --output "$work/twice" --overwrite "$work/long.mp4" 2>/dev/null &
 wait_part "$work/twice"
-"$cli" --preset "$preset" --output "$work/twice" --overwrite "$work/mid.mp4" 2>/dev/null &
+"$cli" --preset "$preset" --output "$work/twice" --overwrite "$work/long.mp4" 2>/dev/null &
 wait
-plays "$work/twice/mid.MP4" && plays "$work/twice/mid_(new).MP4" && [ "$(parts "$work/twice")" -eq 0 ]
+plays "$work/twice/long.MP4" && plays "$work/twice/long_(new).MP4" && [ "$(parts "$work/twice")" -eq 0 ]
 check "two runs into one folder at once keep both outputs" $?
 
 # Four starts at once each load the whole catalogue, not a half-written or deleted one.
