@@ -89,11 +89,6 @@ void Init_Folders() {
         pickFolder(QStringLiteral("CapturePath"), {CSIDL_MYPICTURES, CSIDL_PERSONAL, CSIDL_DESKTOP});
 }
 
-bool Ensure_OutputFolder(QString& outputBoxText) {
-    QString reason;
-    return Ensure_OutputFolder(outputBoxText, reason);
-}
-
 bool Ensure_OutputFolder(QString& outputBoxText, QString& reason) {
     reason.clear();
     if (Trim_Spaces(outputBoxText).isEmpty()) outputBoxText = Get_SpecialFolder(CSIDL_PERSONAL);

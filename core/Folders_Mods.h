@@ -25,10 +25,8 @@ QString Program_Folder();
 void Init_Folders();
 
 // Makes sure the folder in the output box exists, creating one level; an empty box becomes the
-// documents folder. Returns false on any failure, without a message.
-bool Ensure_OutputFolder(QString& outputBoxText);
-// The same, with why it failed in `reason`, naming the folder: a file stands in its place, its parent
-// does not exist, or the system's words for why it cannot be made ("Permission denied").
+// documents folder. On failure `reason` says why, naming the folder: a file stands in its place, its
+// parent does not exist, or the system's words for why it cannot be made ("Permission denied").
 bool Ensure_OutputFolder(QString& outputBoxText, QString& reason);
 
 // "" when the path can be read (a folder also listed), else the system's words for why not, from

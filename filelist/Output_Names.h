@@ -20,9 +20,6 @@ inline QString Rename_Suffix;
 inline QString Rename_NewName;
 inline std::int32_t Rename_FirstNumber = -1;
 
-// Template of the free name: "%n" is nothing in the first try, then "_" + a number.
-inline const QString kNewNameTemplate = QStringLiteral("_(new%n)");
-
 enum RenameOperation : int {
     Rename_Capitalize = 1,
     Rename_Sentence = 2,

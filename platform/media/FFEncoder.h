@@ -66,7 +66,6 @@ public:
 
     // Whether files already under the output names of tasks added from now on may be replaced.
     void SetOverwrite(bool overwrite) { m_overwrite = overwrite; }
-    bool Overwrite() const { return m_overwrite; }
     // Where the finished output of a task is: its output path, or the free name it had to take. Valid
     // from the task's OnTerminate until ClearTasks.
     QString LandedPath(int task) const;
