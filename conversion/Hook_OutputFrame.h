@@ -1,34 +1,38 @@
-// The frame hook of the conversion: the effect list of the row that the information panel shows
-// (Info_Row), published by the main thread as an immutable snapshot and read by the encoder's worker
-// threads for every output frame. Publishing never waits for a frame; a frame never waits for the
-// main thread.
+// The frame hook of the conversion. Each task carries the effect list (item column 53) of its own row,
+// taken when the queue is prepared: the lists are published by the main thread as one immutable
+// snapshot and read by the encoder's worker threads for every output frame, so every file gets its own
+// effects whatever row the panel shows and however many tasks run at once. Publishing never waits for
+// a frame; a frame never waits for the main thread.
 #pragma once
 
-#include <QString>
+#include "EncoderHook.h"
 
-#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace morvane {
 
-class HookEffects {
+class TaskEffects {
 public:
-    // Main thread: the effect list (item column 53) of the row now at Info_Row; "" for none.
-    void Publish(const QString& effectList);
-    // Any thread: the latest list. The lock is held only to copy the pointer.
-    std::shared_ptr<const QString> Snapshot() const;
-    // Whether frames need the hook at all: with no effects they skip its colour conversions.
-    bool Active() const { return !Snapshot()->isEmpty(); }
+    using Lists = std::vector<std::string>; // UTF-8 effect lists by task number
+
+    // Main thread: the lists of a prepared queue, replacing those of the run before.
+    void Publish(Lists byTask);
+    // Any thread: the task's list; "" for none or a task the snapshot does not know.
+    std::string ListOf(int task) const;
+    // Whether the task's frames need the hook at all: without effects they skip its colour conversions.
+    bool Active(int task) const;
 
 private:
+    std::shared_ptr<const Lists> snapshot() const;
     mutable std::mutex m_lock; // guards m_current, never held during a frame
-    std::shared_ptr<const QString> m_current = std::make_shared<const QString>();
+    std::shared_ptr<const Lists> m_current = std::make_shared<const Lists>();
 };
 
-// Runs the effects of the snapshot over one BGRA frame in place. The effect engine comes later; until
-// then the list names effects this build cannot run, and the frame passes unchanged.
-void Hook_OutputFrame(const HookEffects& effects, int width, int height, int bytesPerLine,
-                      std::uint8_t* bits);
+// Runs the task's effect list over one BGRA output frame in place, seeded by the frame's number so that
+// the noise-like effects give the same output on every run.
+void Hook_OutputFrame(const TaskEffects& effects, const HookFrame& frame);
 
 } // namespace morvane

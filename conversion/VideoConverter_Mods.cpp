@@ -32,10 +32,8 @@ VideoConverter::VideoConverter(FileViewMain& table, FormatSetting& settings, Out
                                EncoderEngine& encoder, ConversionHost& host, bool realTimer)
     : m_table(table), m_settings(settings), m_browser(browser), m_encoder(encoder), m_host(host) {
     m_encoder.SetListener(this);
-    m_encoder.SetVideoHook([this](int width, int height, int bytesPerLine, std::uint8_t* bits) {
-        Hook_OutputFrame(m_hookEffects, width, height, bytesPerLine, bits);
-    });
-    m_encoder.SetVideoHookActive([this] { return m_hookEffects.Active(); });
+    m_encoder.SetVideoHook([this](const HookFrame& frame) { Hook_OutputFrame(m_taskEffects, frame); });
+    m_encoder.SetVideoHookActive([this](int task) { return m_taskEffects.Active(task); });
     if (realTimer) {
         m_timer = std::make_unique<QTimer>();
         m_timer->setInterval(1000);
@@ -45,8 +43,6 @@ VideoConverter::VideoConverter(FileViewMain& table, FormatSetting& settings, Out
 
 void VideoConverter::showInputFileInfo(int row) {
     m_host.Show_InputFileInfo(row);
-    // The row the panel shows is the row whose effects the frames get.
-    m_hookEffects.Publish(row >= 0 && row < m_table.rows() ? m_table.text(row, FileCol::Filters) : QString());
 }
 
 VideoConverter::~VideoConverter() {
@@ -105,6 +101,7 @@ VideoConverter::RowJob VideoConverter::Prepare_Row(int row, const QSet<QString>&
     const FileViewMain& t = m_table;
     RowJob job;
     EncoderParams& p = job.params;
+    job.effects = t.text(row, FileCol::Filters);
     p.SrcWidth = t.longValue(row, FileCol::VideoWidth);
     p.SrcHeight = t.longValue(row, FileCol::VideoHeight);
     p.SrcFrameRate = t.longValue(row, FileCol::VideoFrameRateNumerator);
@@ -273,6 +270,7 @@ bool VideoConverter::prepareQueue() {
     letMessagesThrough();
 
     const QList<RowJob> jobs = Prepare_All();
+    TaskEffects::Lists effects;
     for (int row = 0; row < rows; ++row) {
         const RowJob& job = jobs.at(row);
         m_table.setText(row, FileCol::ConvertedFileName, job.outputPath);
@@ -289,6 +287,8 @@ bool VideoConverter::prepareQueue() {
             if (static_cast<int>(m_taskRows.size()) <= task)
                 m_taskRows.resize(static_cast<std::size_t>(task) + 1, -1);
             m_taskRows[static_cast<std::size_t>(task)] = row;
+            effects.resize(m_taskRows.size());
+            effects[static_cast<std::size_t>(task)] = job.effects.toStdString();
         }
         if (m_waitOpen)
             m_host.Wait_Step(QString::number(row + 1) + QStringLiteral(" of ") + QString::number(rows) +
@@ -297,6 +297,7 @@ bool VideoConverter::prepareQueue() {
         letMessagesThrough();
         if (Abort_Preparation) break;
     }
+    m_taskEffects.Publish(std::move(effects));
     return !Abort_Preparation;
 }
 

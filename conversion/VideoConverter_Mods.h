@@ -144,6 +144,7 @@ public:
         QString seek;
         QString outputPath;  // what column 55 holds
         QString encoderPath; // what the encoder writes: the .M4A detour for M4B and M4R
+        QString effects;     // the row's effect list, run over each output frame
     };
     // `taken` holds the keys (Path_Key) of the batch's inputs and of the outputs given out before this
     // row; the row's output never takes one of them, nor its own input.
@@ -197,7 +198,7 @@ private:
     void taskEnded(int task, bool finished, bool failed, const QString& message);
     void queueEnded();
     void postConversion();
-    // Shows the row in the information panel and hands its effects to the frame hook.
+    // Shows the row in the information panel.
     void showInputFileInfo(int row);
     // The row of a task: rows that could not be queued have none, so the numbers differ.
     int rowOfTask(int task) const;
@@ -212,7 +213,7 @@ private:
     std::unique_ptr<QTimer> m_timer; // only with a real timer
     bool m_elapsedOn = false;
     bool m_waitOpen = false;
-    HookEffects m_hookEffects;   // read by the encoder's worker threads
+    TaskEffects m_taskEffects;   // read by the encoder's worker threads
     std::vector<int> m_taskRows; // by task number
     QSet<int> m_endedRows;       // rows done or failed in this run: a Stop leaves them as they are
 };

@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 
 seconds=${1:-30}
 build=build/fuzz
-targets=(table_load_fuzz line_decipher_fuzz encoder_options_fuzz fill_item_fuzz)
+targets=(table_load_fuzz line_decipher_fuzz encoder_options_fuzz fill_item_fuzz effect_list_fuzz)
 
 echo "== fuzz build"
 CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -46,7 +46,7 @@ ffmpeg -v error -y -f lavfi -i testsrc2=size=32x24:rate=1:duration=8 -c:v mpeg4 
 rm -f "$seeds/clip.long.mp4"
 
 declare -A seedDir=([table_load_fuzz]=table [line_decipher_fuzz]=line [encoder_options_fuzz]=options
-    [fill_item_fuzz]=media)
+    [fill_item_fuzz]=media [effect_list_fuzz]=effects)
 
 failed=()
 for target in "${targets[@]}"; do

@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-svg-dev qt6-qpa-plugins libgl-dev
     libavformat-dev libavcodec-dev libavfilter-dev libswscale-dev libswresample-dev libavutil-dev
     libmpv-dev ffmpeg
+    libopencv-imgproc-dev # image effects: core and imgproc only
     googletest libgtest-dev libbenchmark-dev
     clang libclang-rt-14-dev llvm # the fuzz and ThreadSanitizer builds: libFuzzer, the runtimes, symbols
     ccache # a build dir made anew (a fresh clone) compiles only what changed since the last build

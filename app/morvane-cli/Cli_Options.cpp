@@ -47,6 +47,9 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
         } else if (name == QLatin1String("--output") || name == QLatin1String("-o")) {
             if (!takeValue(options.output) || options.output.isEmpty())
                 return QStringLiteral("--output needs a folder");
+        } else if (name == QLatin1String("--effects")) {
+            if (!takeValue(options.effects))
+                return QStringLiteral("--effects needs a list, e.g. \"Gray Scale,Mosaic:5\"");
         } else if (name == QLatin1String("--merge")) {
             options.merge = true;
         } else if (name == QLatin1String("--parallel")) {
@@ -92,6 +95,9 @@ QString Cli_HelpText(const QString& program) {
                "                         audio-codec, sample-rate, audio-bitrate, channels,\n"
                "                         sample-size, aspect, video-bitrate, width, height, quality\n"
                "  --output DIR           the output folder (default: the saved one)\n"
+               "  --effects LIST         image effects for every file, in order, e.g. "
+               "\"Brightness:-40,Mosaic:5,\"\n"
+               "                         or \"Gray Scale,FlipH,\" (names as in the edit window)\n"
                "  --merge                join the converted files into one\n"
                "  --parallel N           convert N files at a time\n"
                "  --overwrite, --rename  what to do with an existing output file\n"

@@ -14,6 +14,7 @@ struct CliOptions {
     QString preset;
     QList<QPair<QString, QString>> sets; // --set FIELD=VALUE, in the order given
     QString output;                      // empty: the saved output folder
+    QString effects;                     // --effects LIST: the effect list of every file
     bool merge = false;
     int parallel = 0;  // 0: one at a time
     int nameMode = -1; // -1 the saved rule, 0 overwrite, 1 rename

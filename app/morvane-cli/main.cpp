@@ -7,6 +7,7 @@
 #include "Cli_Options.h"
 #include "Cli_Progress.h"
 #include "Cli_Settings.h"
+#include "Effect_Chain.h"
 #include "FFDecoder.h"
 #include "FFEncoderEngine.h"
 #include "FFLogger.h"
@@ -202,6 +203,20 @@ int main(int argc, char* argv[]) {
             return Exit_Usage;
         }
     }
+    if (!options.effects.trimmed().isEmpty()) {
+        // Checked once here, as the frames would meet it: unknown names are passed over, a value that
+        // is no number would silently end the effects, so it is refused before anything runs.
+        const imaging::ChainResult check =
+            imaging::Run_EffectChain(imaging::Frame{}, options.effects.toStdString());
+        for (const std::string& name : check.unknown)
+            err(QStringLiteral("--effects: unknown effect \"%1\" passed over")
+                    .arg(QString::fromStdString(name)));
+        if (!check.complete) {
+            err(QStringLiteral("--effects: \"%1\" lacks a value or has one that is no number")
+                    .arg(QString::fromStdString(check.badToken)));
+            return Exit_Usage;
+        }
+    }
     browser.PanelActive = panelOf(Cell_Get(presets, presetRow, QStringLiteral("Maker")));
     browser.mergeChecked = options.merge;
     err(QStringLiteral("preset: ") + presetLine(presets, presetRow));
@@ -220,6 +235,8 @@ int main(int argc, char* argv[]) {
         for (const QString& path : inputs.files)
             if (!interrupted) Fill_Item(path, 0, table, *decoder);
     }
+    for (int r = 0; r < table.rows(); ++r)
+        table.setText(r, FileCol::Filters, options.effects);
     const QList<ReportEntry> importFailures = Report_Entries();
     Report_Clear();
 
@@ -251,6 +268,7 @@ int main(int argc, char* argv[]) {
             out(QStringLiteral("seek:      ") + job.seek);
             out(QStringLiteral("output:    ") + job.outputPath);
             out(QStringLiteral("arguments: ") + job.arguments);
+            if (!job.effects.isEmpty()) out(QStringLiteral("effects:   ") + job.effects);
             out(QString());
         }
         printReport(importFailures);

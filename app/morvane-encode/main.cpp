@@ -4,11 +4,13 @@
 //   ...]
 //
 // --empty-hook sets a hook that does nothing, so that "-VideoOutputHook" costs its conversions;
-// --idle-hook one that says it has no work, as the program's does without effects.
+// --idle-hook one that says it has no work, as the program's does without effects; --effects LIST one
+// that runs the effect list over every frame, as the program's does for a file with effects.
 // --threads N gives each decoder and encoder N threads, for measuring (default: the cores shared out
 // among the tasks that run at once).
 // --seek gives the input options of the tasks that follow it (" -ss 12.5"; "" for none). Progress and
 // each task's end go to standard error; the exit status is 0 only if every task finished.
+#include "Effect_Chain.h"
 #include "FFEncoder.h"
 #include "FFLogger.h"
 
@@ -24,7 +26,7 @@ namespace {
 
 int usage() {
     std::fprintf(stderr, "usage: morvane-encode [--parallel N] [--seek \"TEXT\"] [--empty-hook] "
-                         "[--idle-hook] [--threads N] [--verbose] "
+                         "[--idle-hook] [--effects LIST] [--threads N] [--verbose] "
                          "INPUT OUTPUT "
                          "\"ARGUMENT TEXT\" [INPUT OUTPUT \"ARGUMENT TEXT\" ...]\n");
     return 2;
@@ -64,12 +66,20 @@ int main(int argc, char** argv) {
             i += 2;
         } else if (a == QLatin1String("--idle-hook")) {
             // A hook with nothing to do, as the program's with an empty effect list: frames skip it.
-            encoder.SetVideoHook([](int, int, int, std::uint8_t*) {});
-            encoder.SetVideoHookActive([] { return false; });
+            encoder.SetVideoHook([](const morvane::HookFrame&) {});
+            encoder.SetVideoHookActive([](int) { return false; });
             ++i;
+        } else if (a == QLatin1String("--effects") && i + 1 < args.size()) {
+            const std::string list = args[i + 1].toStdString();
+            encoder.SetVideoHook([list](const morvane::HookFrame& f) {
+                morvane::imaging::Run_EffectChain({f.bits, f.width, f.height, f.bytesPerLine}, list,
+                                                  static_cast<std::uint32_t>(f.index));
+            });
+            encoder.SetVideoHookActive([empty = args[i + 1].trimmed().isEmpty()](int) { return !empty; });
+            i += 2;
         } else if (a == QLatin1String("--empty-hook")) {
             // For measuring the BGRA round trip of the hook on its own.
-            encoder.SetVideoHook([](int, int, int, std::uint8_t*) {});
+            encoder.SetVideoHook([](const morvane::HookFrame&) {});
             ++i;
         } else if (a == QLatin1String("--verbose")) {
             logger.SetLogLevel(5);

@@ -6,13 +6,23 @@
 
 namespace morvane {
 
-// The BGRA bits of one output frame, to be changed in place: width, height, bytes per row, pointer to
-// the first row (top-down). Called on a worker thread, once per output frame.
-using VideoHook = std::function<void(int, int, int, std::uint8_t*)>;
+// One output frame as the hook sees it: BGRA bits to be changed in place, rows top-down.
+struct HookFrame {
+    int task = -1;          // the task the frame belongs to
+    std::int64_t index = 0; // the frame's number in its task's output, from 0
+    int width = 0;
+    int height = 0;
+    int bytesPerLine = 0;
+    std::uint8_t* bits = nullptr;
+};
 
-// Whether the hook has work for the next frame (for the program: its effect list is not empty). When it
-// says no, the frame skips the BGRA round trip altogether. Called on a worker thread, once per frame.
-using VideoHookActive = std::function<bool()>;
+// Called on a worker thread, once per output frame.
+using VideoHook = std::function<void(const HookFrame&)>;
+
+// Whether the hook has work for the task's next frame (for the program: the task's effect list is not
+// empty). When it says no, the frame skips the BGRA round trip altogether. Called on a worker thread,
+// once per frame, with the task number.
+using VideoHookActive = std::function<bool(int)>;
 
 // A small BGRA copy of an output frame for the preview: width, height, bytes per row, bits. Called on a
 // worker thread; the bits are valid during the call only.

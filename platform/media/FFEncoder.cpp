@@ -139,6 +139,7 @@ void FFEncoder::workerLoop(std::shared_ptr<Run> run) {
         if (!run->control.stopped()) {
             FFLogger::SetThreadTask(task);
             TranscodeCallbacks cb;
+            cb.task = task;
             cb.hook = run->hook;
             cb.hookActive = run->hookActive;
             cb.progressIntervalMs = run->progressInterval;

@@ -751,8 +751,9 @@ private:
             }
             m_filtered->pict_type = AV_PICTURE_TYPE_NONE;
             const bool hookWanted =
-                s.video && m_opt.videoHook && m_cb.hook && (!m_cb.hookActive || m_cb.hookActive());
+                s.video && m_opt.videoHook && m_cb.hook && (!m_cb.hookActive || m_cb.hookActive(m_cb.task));
             bool ok = !hookWanted || applyHook(m_filtered.get());
+            if (s.video) ++m_videoFrames;
             ok = ok && (!s.video || sendPreview(s, m_filtered.get()));
             ok = ok && encode(s, m_filtered.get());
             av_frame_unref(m_filtered.get());
@@ -781,7 +782,8 @@ private:
         int r = av_frame_make_writable(f);
         if (r < 0) return fail("hook", r);
         sws_scale(m_toBgra.get(), f->data, f->linesize, 0, f->height, m_bgra->data, m_bgra->linesize);
-        m_cb.hook(f->width, f->height, m_bgra->linesize[0], m_bgra->data[0]);
+        m_cb.hook(
+            HookFrame{m_cb.task, m_videoFrames, f->width, f->height, m_bgra->linesize[0], m_bgra->data[0]});
         sws_scale(m_fromBgra.get(), m_bgra->data, m_bgra->linesize, 0, f->height, f->data, f->linesize);
         return true;
     }
@@ -856,6 +858,7 @@ private:
     std::int64_t m_jumpOffsetUs = 0; // taken out of every timestamp after a jump
     std::int64_t m_runawayUs = 0;    // an output position past this ends the task; 0: no limit
     FramePtr m_frame, m_filtered, m_bgra, m_adapted;
+    std::int64_t m_videoFrames = 0; // video frames handed on so far: the hook's frame numbers
     PacketPtr m_packet;
     SwsPtr m_toBgra, m_fromBgra, m_toPreview;
     std::vector<std::uint8_t> m_previewBits;

@@ -69,6 +69,7 @@ bool Check_Output(const std::string& outputPath, const EncoderOptions& options, 
 
 // What a task reports while it runs; each member may be empty.
 struct TranscodeCallbacks {
+    int task = -1;              // handed to the hook with each frame
     VideoHook hook;             // each output frame, when the options ask for it
     VideoHookActive hookActive; // when set and false, the frame goes on untouched
     ProgressFn progress;        // every progressIntervalMs, and once at the end

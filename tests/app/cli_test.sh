@@ -96,6 +96,25 @@ h264="MP4 - H.264 640 x 360"
 "$cli" --verbose --preset "$h264" --output "$work/loud" "$work/clip1.mp4" 2>"$work/err"; rc=$?
 [ $rc -eq 0 ] && grep -q "libx264" "$work/err" && grep -q "kb/s:" "$work/err"; check "--verbose shows the encoder log" $?
 
+# Effects reach every output frame: grey leaves the chroma planes flat, FlipH mirrors the picture.
+"$cli" --preset "$h264" --output "$work/plain" "$work/clip1.mp4" 2>/dev/null
+"$cli" --preset "$h264" --output "$work/grey" --effects "Nonsense,Gray Scale," "$work/clip1.mp4" 2>"$work/err"; rc=$?
+chroma=$(ffprobe -v error -f lavfi "movie=$work/grey/clip1.MP4,signalstats" -show_entries \
+    frame_tags=lavfi.signalstats.UMIN,lavfi.signalstats.UMAX,lavfi.signalstats.VMIN,lavfi.signalstats.VMAX \
+    -of csv=p=0 | tr ',' '\n' | sort -n | sed -n '1p;$p' | tr '\n' ' ')
+[ $rc -eq 0 ] && grep -q 'unknown effect "Nonsense" passed over' "$work/err" && [ "$chroma" = "128 128 " ]
+check "--effects \"Gray Scale,\" gives grey output, an unknown name is reported and passed over ($chroma)" $?
+"$cli" --preset "$h264" --output "$work/flip" --effects "FlipH," "$work/clip1.mp4" 2>/dev/null
+psnr() { ffmpeg -nostdin -i "$1" -i "$2" -lavfi "[1]$3[b];[0][b]psnr" -f null - 2>&1 | sed -n 's/.*average:\([0-9.inf]*\).*/\1/p'; }
+mirrored=$(psnr "$work/flip/clip1.MP4" "$work/plain/clip1.MP4" hflip)
+as_is=$(psnr "$work/flip/clip1.MP4" "$work/plain/clip1.MP4" null)
+awk -v m="$mirrored" -v a="$as_is" 'BEGIN{exit !(m == "inf" || (m > 35 && a < 25))}'
+check "--effects \"FlipH,\" gives the mirrored picture (PSNR $mirrored dB to the mirror, $as_is dB as is)" $?
+"$cli" --preset "$h264" --output "$work/bad" --effects "Invert:255,Mosaic:x," "$work/clip1.mp4" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && grep -q '"Mosaic:x"' "$work/err" && [ ! -e "$work/bad" ]; check "--effects with a value that is no number is refused" $?
+"$cli" --preset "$h264" --effects "Mosaic:5," --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null
+grep -q "^effects: *Mosaic:5,$" "$work/out"; check "--dry-run shows the effect list" $?
+
 # Stop signals end the run as the Stop button does: nothing under the output name, status 1.
 ffmpeg -nostdin -v error -y -f lavfi -i testsrc2=size=640x360:rate=25:duration=60 -c:v mpeg4 "$work/long.mp4"
 for sig in INT TERM HUP QUIT; do

@@ -649,19 +649,34 @@ TEST_F(JobTest, ElapsedTimeCountsTicksAndHoldsWhilePaused) {
     EXPECT_EQ(converter.Status_Header, "Elapsed: 00:00:01");
 }
 
-TEST_F(JobTest, TheHookGetsTheEffectsOfTheRowOnShow) {
-    addRows(2);
-    table.setText(1, FileCol::Filters, "Invert:1");
-    ASSERT_TRUE(encoder.videoHook);
-    ASSERT_TRUE(encoder.hookActive);
-    EXPECT_FALSE(encoder.hookActive()); // nothing shown yet: no effects, frames skip the hook
+TEST_F(JobTest, EachTaskGetsTheEffectsOfItsOwnRow) {
+    addRows(3);
+    table.setText(1, FileCol::Filters, "Invert:255,");
+    table.setText(2, FileCol::Filters, "FlipH,");
+    encoder.failInputAt = 1; // row 0 cannot be queued: task numbers and rows part ways
     table.selectRow(0);
     converter.Start();
-    EXPECT_FALSE(encoder.hookActive()); // row 0 has no effects
-    std::vector<std::uint8_t> frame(4 * 4 * 4, 77);
-    encoder.videoHook(4, 4, 16, frame.data());
-    EXPECT_EQ(frame, std::vector<std::uint8_t>(4 * 4 * 4, 77));
-    // The end of row 0 shows row 1, and with it row 1's effects reach the hook.
-    encoder.terminate(0, true, false, "");
-    EXPECT_TRUE(encoder.hookActive());
+    ASSERT_EQ(encoder.tasks.size(), 2u);
+    EXPECT_TRUE(encoder.hookActive(0));
+    EXPECT_TRUE(encoder.hookActive(1));
+    EXPECT_FALSE(encoder.hookActive(2)); // a task the queue does not know
+    // Neither an edit made while converting nor the panel moving on with the queue reaches a task's
+    // frames.
+    table.setText(1, FileCol::Filters, "");
+    encoder.terminate(1, true);
+    const auto run = [&](int task) {
+        // One row of two pixels: blue-ish then red-ish.
+        std::vector<std::uint8_t> px = {10, 20, 30, 255, 200, 100, 50, 255};
+        encoder.videoHook(HookFrame{task, 0, 2, 1, 8, px.data()});
+        return px;
+    };
+    EXPECT_EQ(run(0), (std::vector<std::uint8_t>{245, 235, 225, 255, 55, 155, 205, 255}));
+    EXPECT_EQ(run(1), (std::vector<std::uint8_t>{200, 100, 50, 255, 10, 20, 30, 255}));
+
+    // The next run takes the lists afresh; a row without effects lets its frames skip the hook.
+    encoder.failInputAt = -1;
+    restart();
+    EXPECT_FALSE(encoder.hookActive(0));
+    EXPECT_FALSE(encoder.hookActive(1));
+    EXPECT_TRUE(encoder.hookActive(2));
 }

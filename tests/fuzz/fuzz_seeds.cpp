@@ -4,6 +4,7 @@
 //
 // fuzz_seeds DATA_DIR OUT_DIR  (OUT_DIR gets table/, line/ and options/)
 #include "CatalogueTable.h"
+#include "Effects_Mods.h"
 #include "Encrypt_Mod.h"
 #include "Make_EncoderArgs.h"
 #include "Table_Files.h"
@@ -100,7 +101,7 @@ int main(int argc, char** argv) {
     });
     const QDir data(QString::fromLocal8Bit(argv[1]));
     const QDir out(QString::fromLocal8Bit(argv[2]));
-    for (const char* sub : {"table", "line", "options"})
+    for (const char* sub : {"table", "line", "options", "effects"})
         if (!out.mkpath(QString::fromLatin1(sub))) return 1;
 
     int written = 0;
@@ -140,6 +141,15 @@ int main(int argc, char** argv) {
     }
     for (const char* seek : {" -ss 1.5", " -ss 00:01:02.250", " -ss 0"})
         seed(QStringLiteral("options/seek-%1").arg(written), QByteArray(1, 0) + seek);
+
+    // Effect lists: each effect at its defaults on frames of a few sizes, and with a token to put in.
+    for (const EffectRow& row : EffectRows()) {
+        const QByteArray token = DefaultEffectToken(row.name, 40).toUtf8();
+        seed(QStringLiteral("effects/%1").arg(written), QByteArray("\x07\x05\x01", 3) + token + ',');
+        seed(QStringLiteral("effects/%1").arg(written), QByteArray("\x21\x02\x03", 3) + "Brightness:-40," +
+                                                            token + ",FlipH" + QByteArray(1, '\0') + "-" +
+                                                            token);
+    }
 
     std::printf("fuzz_seeds: %d seeds in %s\n", written, argv[2]);
     return ok && !presets.columns().isEmpty() ? 0 : 1;

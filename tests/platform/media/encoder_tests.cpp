@@ -223,10 +223,15 @@ TEST_F(EncoderTest, HookChangesEveryOutputFrameOnlyWithItsSwitch) {
     auto run = [&](const QString& output, const QString& args, bool everyOther = false) {
         FFEncoder enc;
         Recorder rec(enc);
-        if (everyOther) enc.SetVideoHookActive([&] { return asked++ % 2 == 1; });
-        enc.SetVideoHook([&](int w, int h, int stride, std::uint8_t* bits) {
+        if (everyOther) enc.SetVideoHookActive([&](int task) { return task == 0 && asked++ % 2 == 1; });
+        enc.SetVideoHook([&](const HookFrame& f) {
+            // Frames come numbered in order, each with its task, so effects can follow their file.
+            if (f.width != 160 || f.height != 120 || f.bytesPerLine < f.width * 4 || f.task != 0 ||
+                (everyOther ? f.index % 2 != 1 : f.index != calls))
+                badGeometry = true;
             ++calls;
-            if (w != 160 || h != 120 || stride < w * 4) badGeometry = true;
+            const int w = f.width, h = f.height, stride = f.bytesPerLine;
+            std::uint8_t* bits = f.bits;
             for (int y = 0; y < h; ++y)
                 for (int x = 0; x < w * 4; ++x)
                     if (x % 4 != 3)
@@ -347,7 +352,7 @@ TEST_F(EncoderTest, PauseHoldsWithoutSpinningAndResumeFinishes) {
     FFEncoder enc;
     Recorder rec(enc);
     std::atomic<int> frames{0};
-    enc.SetVideoHook([&](int, int, int, std::uint8_t*) { ++frames; });
+    enc.SetVideoHook([&](const HookFrame&) { ++frames; });
     enc.AddInput(longClip(), "");
     enc.AddOutput(0, out("paused.mp4"), "-VideoOutputHook  -an  -r 25 -vb 200k -vcodec libx264");
     enc.AddInput(longClip(), "");
@@ -373,7 +378,7 @@ TEST_F(EncoderTest, StopEndsRunningAndWaitingTasksPromptly) {
     Recorder rec(enc);
     std::atomic<int> frames{0};
     // A slow hook keeps the first task busy long enough to be stopped in the middle.
-    enc.SetVideoHook([&](int, int, int, std::uint8_t*) {
+    enc.SetVideoHook([&](const HookFrame&) {
         ++frames;
         QThread::msleep(20);
     });
@@ -522,7 +527,7 @@ TEST_F(EncoderTest, PreviewComesAFewTimesASecond) {
     QObject::connect(&enc, &FFEncoder::OnPreviewBitmap,
                      [&](int, int, int, const QByteArray&) { ++previews; });
     // A slow hook stretches 50 frames over more than a second.
-    enc.SetVideoHook([](int, int, int, std::uint8_t*) { QThread::msleep(25); });
+    enc.SetVideoHook([](const HookFrame&) { QThread::msleep(25); });
     enc.SetPreviewEnabled(true);
     enc.AddInput(longClip(), "");
     ASSERT_EQ(enc.AddOutput(0, out("previewrate.avi"), "-VideoOutputHook  -an  -vcodec mpeg4 -t 2"), 0);

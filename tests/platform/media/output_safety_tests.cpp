@@ -81,7 +81,7 @@ TEST_F(OutputSafetyTest, FinishedOutputsLandWithoutReplacingWhatTheUserKeeps) {
         Recorder rec(enc);
         enc.SetOverwrite(c.overwrite);
         std::atomic<bool> once{false};
-        enc.SetVideoHook([&](int, int, int, std::uint8_t*) {
+        enc.SetVideoHook([&](const HookFrame&) {
             // Another program takes the name while we convert (a file replaced counts too).
             if (c.appearsMeanwhile && !once.exchange(true)) {
                 QFile::remove(target);
@@ -124,7 +124,7 @@ TEST_F(OutputSafetyTest, FailedStoppedAndSelfTargetedTasksLeaveEveryFileAsItWas)
     Recorder rec(enc);
     enc.SetOverwrite(true);
     std::atomic<int> frames{0};
-    enc.SetVideoHook([&](int, int, int, std::uint8_t*) {
+    enc.SetVideoHook([&](const HookFrame&) {
         ++frames;
         QThread::msleep(30);
     });
