@@ -81,7 +81,9 @@ public:
     void SetEffectCheckBox(int i, int value);
     void SetEffectColor(int i, qint64 colour);
 
-    // Lays out the parameter controls of the effect; returns the group caption.
+    // Lays out the parameter controls of the effect; returns the group caption. `previewWidth` is
+    // Mirror's range; the effects read sizes in pixels for imaging::kReferenceWidth, so the window
+    // passes that, whatever its preview's size, and the output looks as the preview.
     QString Setup_EffectControls(const QString& name, int previewWidth);
     // Puts the effect's token, built from the controls in use, into the list.
     void Emit_EffectToken(const QString& name);

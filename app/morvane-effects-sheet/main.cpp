@@ -30,7 +30,7 @@ const std::map<QString, QString> kShowValues = {
     {"Shift", "Shift:30"},
     {"Twirl", "Twirl:60"},
     {"Swirl", "Swirl:150"},
-    {"Waves", "Waves:10:1:1"},
+    {"Waves", "Waves:10:1:0"},
     {"DetectBorders", "DetectBorders:40:16777215:0"},
     {"Saturation", "Saturation:160"},
     {"AdvancedBlur", "AdvancedBlur:6:1:25"},
@@ -77,14 +77,17 @@ int main(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
     QStringList args = app.arguments().mid(1);
     int cell = 240, columns = 6;
-    for (const auto& [flag, target] : {std::pair<QString, int*>{"--cell", &cell}, {"--columns", &columns}}) {
+    const auto option = [&](const QString& flag, int& target, int lo, int hi) {
         const qsizetype i = args.indexOf(flag);
-        if (i < 0) continue;
+        if (i < 0) return true;
         bool ok = false;
-        *target = i + 1 < args.size() ? args.at(i + 1).toInt(&ok) : 0;
-        if (!ok || *target < 16 || *target > 4096) return Usage();
-        args.remove(i, 2);
-    }
+        target = i + 1 < args.size() ? args.at(i + 1).toInt(&ok) : 0;
+        args.remove(i, std::min<qsizetype>(2, args.size() - i));
+        return ok && target >= lo && target <= hi;
+    };
+    if (!option(QStringLiteral("--cell"), cell, 16, 4096) ||
+        !option(QStringLiteral("--columns"), columns, 1, 64))
+        return Usage();
     if (args.size() != 2) return Usage();
 
     QImage source(args.at(0));
@@ -100,7 +103,8 @@ int main(int argc, char* argv[]) {
     QList<QPair<QString, QImage>> cells = {{QStringLiteral("Original"), picture}};
     for (const std::string_view name : imaging::ChainEffectNames()) {
         const QString effect = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-        QString token = DefaultEffectToken(effect, picture.width());
+        // Sizes in pixels are given for the reference width, Mirror's position too.
+        QString token = DefaultEffectToken(effect, imaging::kReferenceWidth);
         QImage result = Apply(picture, token);
         if (result == picture && kShowValues.count(effect)) {
             token = kShowValues.at(effect);
@@ -126,7 +130,7 @@ int main(int argc, char* argv[]) {
                          cells.at(i).first);
     }
     painter.end();
-    if (!sheet.save(args.at(1))) {
+    if (!sheet.save(args.at(1), nullptr, 0)) { // for PNG the strongest compression
         QTextStream(stderr) << "morvane-effects-sheet: cannot write " << args.at(1) << '\n';
         return 1;
     }

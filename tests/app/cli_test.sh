@@ -115,6 +115,16 @@ check "--effects \"FlipH,\" gives the mirrored picture (PSNR $mirrored dB to the
 "$cli" --preset "$h264" --effects "Mosaic:5," --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null
 grep -q "^effects: *Mosaic:5,$" "$work/out"; check "--dry-run shows the effect list" $?
 
+# The contact sheet: every effect in a grid of labelled cells, and a clear word for a bad picture.
+sheet="$(dirname "$cli")/morvane-effects-sheet"
+ffmpeg -nostdin -v error -y -f lavfi -i testsrc2=size=64x48 -frames:v 1 "$work/small.png"
+QT_QPA_PLATFORM=offscreen "$sheet" --cell 32 --columns 4 "$work/small.png" "$work/sheet.png" 2>/dev/null; rc=$?
+size=$(ffprobe -v error -show_entries stream=width,height -of csv=p=0 "$work/sheet.png")
+[ $rc -eq 0 ] && [ "$size" = "158,994" ]; check "morvane-effects-sheet draws the picture and every effect ($size)" $?
+QT_QPA_PLATFORM=offscreen "$sheet" "$work/clip1.mp4" "$work/none.png" 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "cannot read a picture" "$work/err" && [ ! -e "$work/none.png" ]
+check "morvane-effects-sheet names a file that is no picture" $?
+
 # Stop signals end the run as the Stop button does: nothing under the output name, status 1.
 ffmpeg -nostdin -v error -y -f lavfi -i testsrc2=size=640x360:rate=25:duration=60 -c:v mpeg4 "$work/long.mp4"
 for sig in INT TERM HUP QUIT; do
