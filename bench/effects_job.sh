@@ -2,7 +2,7 @@
 # Whole-process cost of effects on the standard job (a 10 s 1280x720 30 fps clip to H.264 + MP3):
 # the job with an empty effect list against the same job with one effect, in one run, as ratios.
 # Runs each command RUNS times (default 3) and keeps the fastest, since the machine is shared.
-# usage: bench/effects_job.sh path/to/morvane-encode [workdir]
+# usage: [RUNS=n] [LISTS="A,|B,"] bench/effects_job.sh path/to/morvane-encode [workdir]
 set -eu
 ENC=$(realpath "${1:?path to morvane-encode}")
 WORK=${2:-$(mktemp -d)}
@@ -33,7 +33,8 @@ measure() {
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN{printf "%.3f", a/b}'; }
 base=$(measure "$ENC" --effects "" std.mp4 none.mp4 "$ARGS")
 echo "empty effect list:   ${base} s"
-for list in "Brightness:40," "Gray Scale," "Noise:50," "Blur," "Twirl:50," "Emboss:128,"; do
+IFS='|' read -r -a lists <<<"${LISTS:-Brightness:40,|Gray Scale,|Noise:50,|Blur,|Twirl:50,|Emboss:128,}"
+for list in "${lists[@]}"; do
     t=$(measure "$ENC" --effects "$list" std.mp4 fx.mp4 "$ARGS")
     printf "%-20s %s s  (%s of the empty list)\n" "$list" "$t" "$(ratio "$t" "$base")"
 done
