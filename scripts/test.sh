@@ -24,14 +24,16 @@ cmake --build build/asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     ctest --test-dir build/asan --output-on-failure -j "$jobs" --timeout 600
 
-echo "== thread sanitizer build and tests (engine and controller)"
-# Clang; only the suites that run the encoder's worker threads. The peak memory test measures the
-# sanitizer's own shadow memory here, so it stays with the other two builds.
+echo "== thread sanitizer build and tests (engine, controller and effects)"
+# Clang; only the suites that run the encoder's worker threads, and the effects with their per-thread
+# caches. The peak memory test measures the sanitizer's own shadow memory here, so it stays with the
+# other two builds.
 CC=clang CXX=clang++ cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMORVANE_TSAN=ON \
     -DMORVANE_BENCHMARKS=OFF
-cmake --build build/tsan -j "$jobs" --target media_encoder_tests media_conformance_tests conversion_job_tests
+cmake --build build/tsan -j "$jobs" --target media_encoder_tests media_conformance_tests conversion_job_tests \
+    effect_chain_tests
 TSAN_OPTIONS="second_deadlock_stack=1 suppressions=$PWD/tests/tsan/suppressions.txt" \
-    ctest --test-dir build/tsan -R '^(media_encoder_tests|media_conformance_tests|conversion_job_tests)\.' \
+    ctest --test-dir build/tsan -R '^(media_encoder_tests|media_conformance_tests|conversion_job_tests|effect_chain_tests)\.' \
     -E 'PeakMemoryDoesNotGrowWithTheInputsLength' --output-on-failure -j "$jobs" --timeout 600
 
 echo "== preset sweep (one per group)"

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 
 using namespace morvane::imaging;
 using morvane::imaging::testkit::MaxColourDiff;
@@ -166,4 +167,30 @@ TEST(EffectChain, ABadNumberEndsTheChainAndKeepsWhatWasDone) {
         EXPECT_EQ(a.Pixels(), b.Pixels()) << list;
     }
     EXPECT_EQ(Run_EffectChain(Frame{}, "Sepia,Mosaic:x ,").badToken, "Mosaic:x");
+}
+
+TEST(EffectChain, TasksRunTheirChainsSideBySide) {
+    // Conversions run one chain per worker thread: cached maps and scratch must not leak between them.
+    const char* lists[] = {"Twirl:50,Mosaic:7,", "FishEye,Blur,Noise:40,", "Waves:10:1:3,Emboss:128,",
+                           "Swirl:100,OilPaint:100:0,"};
+    std::vector<std::vector<std::uint8_t>> alone;
+    for (const char* list : lists) {
+        TestFrame f(96 + static_cast<int>(alone.size()) * 8, 64);
+        Run_EffectChain(f.frame(), list, 5);
+        alone.push_back(f.Pixels());
+    }
+    std::vector<std::thread> threads;
+    std::vector<char> same(std::size(lists), 1); // one byte each: threads write side by side
+    for (std::size_t t = 0; t < std::size(lists); ++t)
+        threads.emplace_back([&, t] {
+            for (int round = 0; round < 20; ++round) {
+                TestFrame f(96 + static_cast<int>(t) * 8, 64);
+                Run_EffectChain(f.frame(), lists[t], 5);
+                same[t] = same[t] && f.Pixels() == alone[t];
+            }
+        });
+    for (std::thread& t : threads)
+        t.join();
+    for (std::size_t t = 0; t < std::size(lists); ++t)
+        EXPECT_TRUE(same[t]) << lists[t];
 }
