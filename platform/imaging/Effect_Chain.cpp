@@ -7,6 +7,7 @@
 #include <cfenv>
 #include <cmath>
 #include <cstdlib>
+#include <exception>
 #include <limits>
 #include <optional>
 
@@ -237,7 +238,14 @@ ChainResult Run_EffectChain(const Frame& frame, std::string_view list, std::uint
             result.badToken = std::string(Trim(element));
             return result;
         }
-        if (drawing) row->run(frame, values, seed);
+        if (!drawing) continue;
+        try {
+            row->run(frame, values, seed);
+        } catch (const std::exception& e) {
+            // An effect that cannot run on this frame (OpenCV refuses, memory runs out) leaves it as
+            // it is and the chain goes on: a conversion never ends over one effect.
+            result.failed.emplace_back(std::string(row->name) + ": " + e.what());
+        }
     }
     return result;
 }

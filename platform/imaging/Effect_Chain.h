@@ -16,6 +16,7 @@ struct ChainResult {
     bool complete = true;             // false: a bad number ended the chain; the frame keeps what was done
     std::vector<std::string> unknown; // names passed over, in list order
     std::string badToken;             // the token whose number was bad
+    std::vector<std::string> failed;  // effects that could not run on this frame, with the reason
 };
 
 // `seed` feeds the noise-like effects: the same frame with the same seed gives the same result. An
