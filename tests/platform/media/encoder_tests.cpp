@@ -634,49 +634,52 @@ TEST(HookConvert, BgraComesBackToTheFramesOwnPlanes) {
     // Into BGRA as the hook's round trip goes, back by our own way: a frame without effects must come
     // back as it was, or every file with effects would shift its colours a little. Colours within
     // what RGB can hold, as a decoded picture's are.
-    constexpr int w = 64, h = 48;
-    morvane::libav::FramePtr yuv(av_frame_alloc()), bgra(av_frame_alloc());
-    yuv->format = AV_PIX_FMT_YUV420P, yuv->width = w, yuv->height = h;
-    bgra->format = AV_PIX_FMT_BGRA, bgra->width = w, bgra->height = h;
-    ASSERT_GE(av_frame_get_buffer(yuv.get(), 0), 0);
-    ASSERT_GE(av_frame_get_buffer(bgra.get(), 0), 0);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            yuv->data[0][y * yuv->linesize[0] + x] = static_cast<std::uint8_t>(60 + x + y);
-            if (x % 2 == 0 && y % 2 == 0) {
-                yuv->data[1][y / 2 * yuv->linesize[1] + x / 2] = static_cast<std::uint8_t>(100 + x / 2);
-                yuv->data[2][y / 2 * yuv->linesize[2] + x / 2] = static_cast<std::uint8_t>(150 - y / 2);
+    // A width of whole 8-pixel steps, and one with a remainder that the plain loop finishes.
+    for (const std::pair<int, int>& size : {std::pair{64, 48}, std::pair{70, 34}}) {
+        const int w = size.first, h = size.second;
+        morvane::libav::FramePtr yuv(av_frame_alloc()), bgra(av_frame_alloc());
+        yuv->format = AV_PIX_FMT_YUV420P, yuv->width = w, yuv->height = h;
+        bgra->format = AV_PIX_FMT_BGRA, bgra->width = w, bgra->height = h;
+        ASSERT_GE(av_frame_get_buffer(yuv.get(), 0), 0);
+        ASSERT_GE(av_frame_get_buffer(bgra.get(), 0), 0);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                yuv->data[0][y * yuv->linesize[0] + x] = static_cast<std::uint8_t>(60 + x + y);
+                if (x % 2 == 0 && y % 2 == 0) {
+                    yuv->data[1][y / 2 * yuv->linesize[1] + x / 2] = static_cast<std::uint8_t>(100 + x / 2);
+                    yuv->data[2][y / 2 * yuv->linesize[2] + x / 2] = static_cast<std::uint8_t>(150 - y / 2);
+                }
             }
+        SwsContext* to = sws_getContext(w, h, AV_PIX_FMT_YUV420P, w, h, AV_PIX_FMT_BGRA, SWS_BICUBIC, nullptr,
+                                        nullptr, nullptr);
+        ASSERT_NE(to, nullptr);
+        sws_scale(to, yuv->data, yuv->linesize, 0, h, bgra->data, bgra->linesize);
+        sws_freeContext(to);
+        // Ours and the scaler's own way back, each against the frame as it was.
+        morvane::libav::FramePtr ours(av_frame_alloc()), theirs(av_frame_alloc());
+        for (AVFrame* f : {ours.get(), theirs.get()}) {
+            f->format = AV_PIX_FMT_YUV420P, f->width = w, f->height = h;
+            ASSERT_GE(av_frame_get_buffer(f, 0), 0);
         }
-    SwsContext* to = sws_getContext(w, h, AV_PIX_FMT_YUV420P, w, h, AV_PIX_FMT_BGRA, SWS_BICUBIC, nullptr,
-                                    nullptr, nullptr);
-    ASSERT_NE(to, nullptr);
-    sws_scale(to, yuv->data, yuv->linesize, 0, h, bgra->data, bgra->linesize);
-    sws_freeContext(to);
-    // Ours and the scaler's own way back, each against the frame as it was.
-    morvane::libav::FramePtr ours(av_frame_alloc()), theirs(av_frame_alloc());
-    for (AVFrame* f : {ours.get(), theirs.get()}) {
-        f->format = AV_PIX_FMT_YUV420P, f->width = w, f->height = h;
-        ASSERT_GE(av_frame_get_buffer(f, 0), 0);
-    }
-    morvane::Bgra_ToYuv420(bgra->data[0], bgra->linesize[0], w, h, ours->data[0], ours->linesize[0],
-                           ours->data[1], ours->linesize[1], ours->data[2], ours->linesize[2]);
-    SwsContext* back = sws_getContext(w, h, AV_PIX_FMT_BGRA, w, h, AV_PIX_FMT_YUV420P, SWS_BICUBIC, nullptr,
-                                      nullptr, nullptr);
-    ASSERT_NE(back, nullptr);
-    sws_scale(back, bgra->data, bgra->linesize, 0, h, theirs->data, theirs->linesize);
-    sws_freeContext(back);
-    const auto worst = [&](const AVFrame* f, int p) {
-        int d = 0;
-        const int pw = p ? w / 2 : w, ph = p ? h / 2 : h;
-        for (int y = 1; y < ph - 1; ++y) // the scaler's filter leans on the border rows
-            for (int x = 1; x < pw - 1; ++x)
-                d = std::max(
-                    d, std::abs(f->data[p][y * f->linesize[p] + x] - yuv->data[p][y * yuv->linesize[p] + x]));
-        return d;
-    };
-    for (int p = 0; p < 3; ++p) {
-        EXPECT_LE(worst(ours.get(), p), std::max(1, worst(theirs.get(), p))) << "plane " << p;
-        EXPECT_LE(worst(ours.get(), p), 2) << "plane " << p;
+        morvane::Bgra_ToYuv420(bgra->data[0], bgra->linesize[0], w, h, ours->data[0], ours->linesize[0],
+                               ours->data[1], ours->linesize[1], ours->data[2], ours->linesize[2]);
+        SwsContext* back = sws_getContext(w, h, AV_PIX_FMT_BGRA, w, h, AV_PIX_FMT_YUV420P, SWS_BICUBIC,
+                                          nullptr, nullptr, nullptr);
+        ASSERT_NE(back, nullptr);
+        sws_scale(back, bgra->data, bgra->linesize, 0, h, theirs->data, theirs->linesize);
+        sws_freeContext(back);
+        const auto worst = [&](const AVFrame* f, int p) {
+            int d = 0;
+            const int pw = p ? w / 2 : w, ph = p ? h / 2 : h;
+            for (int y = 1; y < ph - 1; ++y) // the scaler's filter leans on the border rows
+                for (int x = 1; x < pw - 1; ++x)
+                    d = std::max(d, std::abs(f->data[p][y * f->linesize[p] + x] -
+                                             yuv->data[p][y * yuv->linesize[p] + x]));
+            return d;
+        };
+        for (int p = 0; p < 3; ++p) {
+            EXPECT_LE(worst(ours.get(), p), std::max(1, worst(theirs.get(), p))) << "plane " << p;
+            EXPECT_LE(worst(ours.get(), p), 2) << "plane " << p;
+        }
     }
 }
