@@ -7,13 +7,10 @@ set -eu
 ENC=$(realpath "${1:?path to morvane-encode}")
 WORK=${2:-$(mktemp -d)}
 RUNS=${RUNS:-3}
-cd "$WORK"
+source "$(dirname "$(realpath "$0")")/standard_clip.sh"
+mkdir -p "$WORK" && cd "$WORK"
 
-if [[ ! -f std.mp4 ]]; then
-    ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=1280x720:rate=30:duration=10 \
-        -f lavfi -i sine=frequency=440:sample_rate=48000:duration=10 -ac 2 \
-        -c:v libx264 -preset veryfast -b:v 4000k -c:a aac -b:a 160k std.mp4
-fi
+standard_clip
 for i in 1 2 3 4 5 6 7 8; do
     [[ -f short$i.mp4 ]] || ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=640x360:rate=30:duration=3 \
         -f lavfi -i sine=frequency=440:sample_rate=48000:duration=3 -ac 2 -c:v libx264 -preset veryfast \
