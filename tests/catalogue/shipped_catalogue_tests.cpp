@@ -2,18 +2,15 @@
 // built-in rows (every preset reaches the settings whole and gives an argument text that this
 // machine's FFmpeg can encode).
 
+#include "CatalogueTestKit.h"
+
 #include "Bitrate_Rules.h"
 #include "Catalogue_Load.h"
-#include "Encrypt_Mod.h"
 #include "FormatSetting.h"
-#include "Globals.h"
 #include "Make_EncoderArgs.h"
 #include "OutputBrowser.h"
-#include "Preset_Mods.h"
 #include "Table_Files.h"
-#include "mMain.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -22,9 +19,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 using namespace morvane;
+using namespace morvane::testkit;
 
 namespace {
 
@@ -32,30 +31,11 @@ const QString kCustom = QStringLiteral("[%Custom%]");
 const QStringList kMakers = {"Apple", "Samsung",   "BlackBerry", "HTC",    "Nokia", "Google", "LG",
                              "Sony",  "Microsoft", "Motorola",   "Archos", "Game",  "Others"};
 
-// Points the catalogue's folders into a temporary folder and records every message of the run.
-class CatalogueFolders {
-public:
-    CatalogueFolders() {
-        Catalogue_Passphrase = QString::fromLatin1(Catalogue_PassphraseText);
-        Folder_Temp = m_dir.filePath("temp/");
-        Folder_UserPreset = m_dir.filePath("user/presets/");
-        File_UserPreset = "UserPreset.dat";
-        Folder_UserFavorite = m_dir.filePath("user/favorites/");
-        File_UserFavorite = "Favorites.dat";
-        QDir().mkpath(Folder_Temp);
-        Set_MessageHandler([this](const QString& text, int, const QString&, const QString&) {
-            messages << text;
-            return ID_OK;
-        });
-    }
-    ~CatalogueFolders() { Set_MessageHandler(nullptr); }
-    CatalogueFolders(const CatalogueFolders&) = delete;
-    CatalogueFolders& operator=(const CatalogueFolders&) = delete;
-
-    QStringList messages;
-
-private:
-    QTemporaryDir m_dir;
+// The user files in a temporary folder, and the messages shown meanwhile.
+struct Sandbox {
+    Sandbox() { pointFolders(dir.path()); }
+    QTemporaryDir dir;
+    MessageLog log;
 };
 
 QString unmarked(QString text) {
@@ -81,14 +61,14 @@ QSet<QString> ffmpegEncoders() {
 class ShippedCatalogue : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        folders = std::make_unique<CatalogueFolders>();
+        sandbox = std::make_unique<Sandbox>();
         catalogue = std::make_unique<Catalogue>();
         Catalogue_Load(*catalogue);
-        loadMessages = folders->messages;
+        loadMessages = sandbox->log.lines;
     }
     static void TearDownTestSuite() {
         catalogue.reset();
-        folders.reset();
+        sandbox.reset();
     }
 
     static const CatalogueTable& presets() { return catalogue->ReportControl_PresetMain; }
@@ -96,7 +76,6 @@ protected:
     static QString preset(qsizetype row, const char* column) {
         return Cell_Get(presets(), row, QLatin1String(column));
     }
-
     static QStringList captions(const OutputBrowser& browser, int panel) {
         QStringList out;
         for (const StripButton& button : browser.strips.at(static_cast<size_t>(panel)).buttons)
@@ -104,122 +83,63 @@ protected:
         return out;
     }
 
-    static std::unique_ptr<CatalogueFolders> folders;
+    static std::unique_ptr<Sandbox> sandbox;
     static std::unique_ptr<Catalogue> catalogue;
     static QStringList loadMessages;
 };
 
-std::unique_ptr<CatalogueFolders> ShippedCatalogue::folders;
+std::unique_ptr<Sandbox> ShippedCatalogue::sandbox;
 std::unique_ptr<Catalogue> ShippedCatalogue::catalogue;
 QStringList ShippedCatalogue::loadMessages;
 
 } // namespace
 
-// ---- Start-up load order
-
-TEST(CatalogueLoad, ShippedTablesLoadAndLeaveNoFilesBehind) {
-    CatalogueFolders folders;
-    Catalogue catalogue;
-    Catalogue_Load(catalogue);
-    EXPECT_TRUE(folders.messages.isEmpty()) << folders.messages.join('\n').toStdString();
-    EXPECT_EQ(catalogue.ReportControl_FormatMain.columnCount(), 13);
-    EXPECT_EQ(catalogue.ReportControl_PresetMain.columnCount(), 22);
-    EXPECT_GT(catalogue.ReportControl_FormatMain.rowCount(), 100);
-    EXPECT_GT(catalogue.ReportControl_PresetMain.rowCount(), 300);
-    EXPECT_EQ(Cell_Get(catalogue.ReportControl_PresetMain, 1, "FileExtention"), "mp4");
-    EXPECT_FALSE(QFileInfo::exists(Folder_Temp + "format.dat"));
-    EXPECT_FALSE(QFileInfo::exists(Folder_Temp + "preset.dat"));
-    EXPECT_EQ(catalogue.ReportControl_FavoritesMain.columnCount(), 0); // no favorites file yet
-
-    // A second load replaces the shipped rows instead of doubling them.
-    const qsizetype rows = catalogue.ReportControl_PresetMain.rowCount();
-    Catalogue_Load(catalogue);
-    EXPECT_EQ(catalogue.ReportControl_PresetMain.rowCount(), rows);
-}
-
+// Runs before the shared load below, whose folders it would otherwise take away.
 TEST(CatalogueLoad, UserPresetsFollowTheBuiltInRowsAndFavoritesLoad) {
-    CatalogueFolders folders;
-    qsizetype builtIn = 0;
-    {
-        Catalogue first;
-        Catalogue_Load(first);
-        CatalogueTable& presets = first.ReportControl_PresetMain;
-        builtIn = presets.rowCount();
-        const qsizetype added = presets.addRecord();
-        for (qsizetype column = 0; column < presets.columnCount(); ++column)
-            presets.setCell(added, column, presets.cell(0, column));
-        Cell_Set(presets, added + 1, "ID", "User-7A01237A", true, true);
-        Cell_Set(presets, added + 1, "Name", "My phone", true, true);
-        Cell_Set(presets, added + 1, "Removable", "Yes", true, true);
-        QDir().mkpath(Folder_UserPreset);
-        Table_SaveUserRows(presets, Folder_UserPreset + File_UserPreset, true);
-
-        CatalogueTable& favorites = first.ReportControl_FavoritesMain;
-        Table_CopyColumns(favorites, presets);
-        const qsizetype favorite = favorites.addRecord();
-        for (qsizetype column = 0; column < favorites.columnCount(); ++column)
-            favorites.setCell(favorite, column, presets.cell(2, column));
-        QDir().mkpath(Folder_UserFavorite);
-        Table_SaveFile(favorites, Folder_UserFavorite + File_UserFavorite, true);
-    }
+    Sandbox sandbox;
+    Catalogue first;
+    Catalogue_Load(first);
+    CatalogueTable& presets = first.ReportControl_PresetMain;
+    const qsizetype builtIn = presets.rowCount();
+    addRows(presets, {}, {presets.records().first().join("//")});
+    Cell_Set(presets, builtIn + 1, "ID", "User-7A01237A", true, true);
+    Cell_Set(presets, builtIn + 1, "Name", "My phone", true, true);
+    Cell_Set(presets, builtIn + 1, "Removable", "Yes", true, true);
+    QDir().mkpath(Folder_UserPreset);
+    Table_SaveUserRows(presets, Folder_UserPreset + File_UserPreset, true);
+    CatalogueTable& favorites = first.ReportControl_FavoritesMain;
+    Table_CopyColumns(favorites, presets);
+    addRows(favorites, {}, {presets.records().at(2).join("//")});
+    QDir().mkpath(Folder_UserFavorite);
+    Table_SaveFile(favorites, Folder_UserFavorite + File_UserFavorite, true);
 
     Catalogue catalogue;
     Catalogue_Load(catalogue);
-    EXPECT_TRUE(folders.messages.isEmpty()) << folders.messages.join('\n').toStdString();
-    const CatalogueTable& presets = catalogue.ReportControl_PresetMain;
-    ASSERT_EQ(presets.rowCount(), builtIn + 1);
-    EXPECT_EQ(Cell_Get(presets, builtIn + 1, "ID"), "User-7A01237A");
-    EXPECT_EQ(Cell_Get(presets, builtIn + 1, "Name"), "My phone");
-    EXPECT_EQ(Cell_Get(presets, builtIn + 1, "VideoCodec"), Cell_Get(presets, 1, "VideoCodec"));
-    EXPECT_EQ(Cell_Get(presets, builtIn, "Removable"), "No");
-    EXPECT_EQ(Row_Find(presets, "ID", "User-7A01237A"), builtIn + 1);
-
-    const CatalogueTable& favorites = catalogue.ReportControl_FavoritesMain;
-    ASSERT_EQ(favorites.rowCount(), 1);
-    EXPECT_EQ(favorites.columnCount(), presets.columnCount());
-    EXPECT_EQ(Cell_Get(favorites, 1, "ID"), Cell_Get(presets, 3, "ID"));
+    EXPECT_TRUE(sandbox.log.lines.isEmpty()) << sandbox.log.lines.join('\n').toStdString();
+    const CatalogueTable& loaded = catalogue.ReportControl_PresetMain;
+    ASSERT_EQ(loaded.rowCount(), builtIn + 1);
+    EXPECT_EQ(Cell_Get(loaded, builtIn + 1, "ID"), "User-7A01237A");
+    EXPECT_EQ(Cell_Get(loaded, builtIn + 1, "Name"), "My phone");
+    EXPECT_EQ(Cell_Get(loaded, builtIn + 1, "VideoCodec"), Cell_Get(loaded, 1, "VideoCodec"));
+    ASSERT_EQ(catalogue.ReportControl_FavoritesMain.rowCount(), 1);
+    EXPECT_EQ(Cell_Get(catalogue.ReportControl_FavoritesMain, 1, "ID"), Cell_Get(loaded, 3, "ID"));
 }
 
-// ---- Integrity of the shipped rows
-
-TEST_F(ShippedCatalogue, LoadsWithoutAnyMessage) {
+TEST_F(ShippedCatalogue, LoadsQuietlyOnceOverAndLeavesNoFilesBehind) {
     EXPECT_TRUE(loadMessages.isEmpty()) << loadMessages.join('\n').toStdString();
+    EXPECT_GT(formats().rowCount(), 100);
+    EXPECT_GT(presets().rowCount(), 300);
+    for (const char* file : {"format.dat", "preset.dat"})
+        EXPECT_FALSE(QFileInfo::exists(Folder_Temp + file)) << file;
+    EXPECT_EQ(catalogue->ReportControl_FavoritesMain.rowCount(), 0); // no favorites file yet
+    // A second load replaces the shipped rows instead of doubling them.
+    const qsizetype rows = presets().rowCount();
+    Catalogue_Load(*catalogue);
+    EXPECT_EQ(presets().rowCount(), rows);
 }
 
-TEST_F(ShippedCatalogue, PanelsOfferTheirGroups) {
-    FormatSetting settings(*catalogue);
-    OutputBrowser browser(*catalogue, settings);
-    browser.Panel_BuildButtons(Panel_VideoFormats, "VideoFormat");
-    browser.Panel_BuildButtons(Panel_AudioFormats, "AudioFormat");
-    browser.Panel_BuildButtons(Panel_WebFormats, "WebFormat");
-    const QStringList video = captions(browser, Panel_VideoFormats);
-    EXPECT_GE(video.size(), 20);
-    EXPECT_LE(video.size(), OutputBrowser::PresetIndexSize);
-    for (const char* group :
-         {"MP4", "AVI", "WMV", "MKV", "MOV", "FLV", "MPEG-2", "3GP", "WebM", "GIF", "SWF"})
-        EXPECT_TRUE(video.contains(QLatin1String(group))) << group;
-    const QStringList audio = captions(browser, Panel_AudioFormats);
-    EXPECT_GE(audio.size(), 11);
-    for (const char* group : {"MP3", "AAC", "M4A", "WAV", "WMA", "OGG", "FLAC"})
-        EXPECT_TRUE(audio.contains(QLatin1String(group))) << group;
-    EXPECT_GE(captions(browser, Panel_WebFormats).size(), 4);
-
-    ASSERT_EQ(browser.ListBox_MakerNames.count(), kMakers.size());
-    for (qsizetype maker = 0; maker < kMakers.size(); ++maker) {
-        browser.Panel_BuildButtons(Panel_Devices, kMakers.at(maker));
-        EXPECT_GE(captions(browser, Panel_Devices).size(), 2) << kMakers.at(maker).toStdString();
-    }
-
-    // Every row belongs to one of the panels.
-    QStringList makers = kMakers;
-    makers << "VideoFormat"
-           << "AudioFormat"
-           << "WebFormat";
-    for (qsizetype row = 1; row <= presets().rowCount(); ++row)
-        EXPECT_TRUE(makers.contains(preset(row, "Maker"))) << preset(row, "ID").toStdString();
-}
-
-TEST_F(ShippedCatalogue, RowsAreBuiltInWithUniqueIdsAndOneCustomRowPerGroup) {
+TEST_F(ShippedCatalogue, RowsAreBuiltInWithUniqueIdsOnAPanelAndOneCustomRowPerGroup) {
+    const QStringList makers = kMakers + QStringList{"VideoFormat", "AudioFormat", "WebFormat"};
     QSet<QString> ids;
     QHash<QString, int> customRows;
     for (qsizetype row = 1; row <= presets().rowCount(); ++row) {
@@ -229,6 +149,7 @@ TEST_F(ShippedCatalogue, RowsAreBuiltInWithUniqueIdsAndOneCustomRowPerGroup) {
         EXPECT_FALSE(ids.contains(id)) << "repeated " << id.toStdString();
         ids.insert(id);
         EXPECT_EQ(preset(row, "Removable"), "No") << id.toStdString();
+        EXPECT_TRUE(makers.contains(preset(row, "Maker"))) << id.toStdString();
         for (const char* column : {"Name", "Format", "Keyword", "Type", "Thumbnail", "Image"})
             EXPECT_FALSE(preset(row, column).isEmpty()) << id.toStdString() << " " << column;
         const QString group = preset(row, "Maker") + "/" + preset(row, "Keyword");
@@ -263,10 +184,11 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
     const QSet<QString> encoders = ffmpegEncoders();
     if (encoders.isEmpty()) ADD_FAILURE() << "the ffmpeg program could not list its encoders";
     static const QRegularExpression encoderOption(QStringLiteral(" -[av]codec (\\S+)"));
-    const QStringList sizeColumns = {"FPS",        "FileExtention", "AspectRatio",
-                                     "SampleRate", "Channels",      "AudioSize"};
-    const QList<int> sizeLists = {List_FrameRate,  List_Extension, List_Aspect,
-                                  List_SampleRate, List_Channels,  List_SampleSize};
+    // The preset column that each list shows, in the order of the lists; frame size and video bitrate
+    // have their own checks below.
+    const char* const shownFrom[] = {"VideoCodec", nullptr,       "FPS",          "FileExtention",
+                                     "AudioCodec", "SampleRate",  "AudioBitrate", "Channels",
+                                     "AudioSize",  "AspectRatio", nullptr};
 
     FormatSetting settings(*catalogue);
     QStringList failures;
@@ -281,15 +203,13 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
         // Each value stands selected, and a lock mark disables its control.
         const QString videoCodec = unmarked(preset(row, "VideoCodec"));
         const QString audioCodec = unmarked(preset(row, "AudioCodec"));
-        if (listText(List_VideoCodec) != videoCodec) fail("video codec " + listText(List_VideoCodec));
-        if (listText(List_AudioCodec) != audioCodec) fail("audio codec " + listText(List_AudioCodec));
-        for (qsizetype i = 0; i < sizeColumns.size(); ++i) {
-            const QString cell = preset(row, sizeColumns.at(i).toLatin1().constData());
-            if (listText(sizeLists.at(i)) != unmarked(cell))
-                fail(sizeColumns.at(i) + " " + cell + " shows " + listText(sizeLists.at(i)));
-            if (cell.startsWith('#') &&
-                settings.Combo_OutputFile.at(static_cast<size_t>(sizeLists.at(i))).enabled)
-                fail(sizeColumns.at(i) + " is locked but enabled");
+        for (int list = List_VideoCodec; list <= List_VideoBitrate; ++list) {
+            const char* column = shownFrom[list];
+            const QString cell = column == nullptr ? QString() : preset(row, column);
+            if (column != nullptr && listText(list) != unmarked(cell))
+                fail(QString(column) + " " + cell + " shows " + listText(list));
+            if (cell.startsWith('#') && settings.Combo_OutputFile.at(static_cast<size_t>(list)).enabled)
+                fail(QString(column) + " is locked but enabled");
         }
         const int width = unmarked(preset(row, "Width")).toInt();
         const int height = unmarked(preset(row, "Height")).toInt();
@@ -301,17 +221,13 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
         if (preset(row, "Width").startsWith('#') && settings.Txt_OutputVideoWidth.enabled)
             fail("width is locked but enabled");
         if (Quality_Text(settings.Radio_Quality) != unmarked(preset(row, "QualityLevel"))) fail("quality");
-        if (listText(List_AudioBitrate) != unmarked(preset(row, "AudioBitrate")))
-            fail("audio bitrate " + preset(row, "AudioBitrate") + " shows " + listText(List_AudioBitrate));
 
         const QString bitrate = unmarked(preset(row, "VideoBitrate"));
-        if (bitrate == "Smart Fit" || bitrate == "0") {
-            if (listText(List_VideoBitrate) != (bitrate == "0" ? "-" : bitrate))
-                fail("video bitrate shows " + listText(List_VideoBitrate));
-        } else if (listText(List_VideoBitrate) != bitrate + " kbps" ||
-                   settings.bitrateValue() != bitrate.toInt()) {
+        const bool fixed = bitrate != "Smart Fit" && bitrate != "0";
+        const QString bitrateText = fixed ? bitrate + " kbps" : bitrate == "0" ? "-" : bitrate;
+        if (listText(List_VideoBitrate) != bitrateText ||
+            (fixed && settings.bitrateValue() != bitrate.toInt()))
             fail("video bitrate " + bitrate + " shows " + listText(List_VideoBitrate));
-        }
 
         // The fields as job preparation hands them to the builder, for a 640 x 360 source at 25 fps.
         EncoderParams params;
@@ -342,21 +258,24 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
             continue;
         }
 
+        QStringList wanted;
         if (audioCodec != "No Audio") {
             const QString channels = unmarked(preset(row, "Channels"));
-            const QString count = channels == "Mono" ? "1" : channels == "Stereo" ? "2" : "6";
-            if (!args.contains(" -ac " + count + " ")) fail("channels in " + args);
-            if (!args.contains(" -ar " + params.SampleRate + " ")) fail("sample rate in " + args);
-            if (!args.contains(" -acodec ")) fail("no audio encoder in " + args);
+            wanted << " -ac " +
+                          QString(channels == "Mono"     ? "1"
+                                  : channels == "Stereo" ? "2"
+                                                         : "6") +
+                          " "
+                   << " -ar " + params.SampleRate + " "
+                   << " -acodec ";
         }
         if (videoCodec != "No Video") {
-            const QString scale = width == 0 && height == 0
-                                      ? QStringLiteral(" scale=640:360")
-                                      : QStringLiteral(" scale=%1:%2").arg(width).arg(height);
-            if (!args.contains(scale)) fail("frame size in " + args);
-            // Only a GIF leaves the encoder to the output format.
-            if (!args.contains(" -vcodec ") && params.Format != "GIF") fail("no video encoder in " + args);
+            wanted << (width == 0 && height == 0 ? QStringLiteral(" scale=640:360")
+                                                 : QStringLiteral(" scale=%1:%2").arg(width).arg(height));
+            if (params.Format != "GIF") wanted << " -vcodec "; // a GIF leaves the encoder to the format
         }
+        for (const QString& part : wanted)
+            if (!args.contains(part)) fail("no '" + part.trimmed() + "' in " + args);
         for (const QRegularExpressionMatch& match : encoderOption.globalMatch(args)) {
             // The engine runs the retired libfaac name on the native AAC encoder.
             const QString name = match.captured(1) == "libfaac" ? "aac" : match.captured(1);
@@ -366,47 +285,61 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
     EXPECT_TRUE(failures.isEmpty()) << failures.size() << " failures:\n" << failures.join('\n').toStdString();
 }
 
-// The remembered preset of each button, before the user has chosen any, opens a real preset.
-TEST_F(ShippedCatalogue, InitialRememberedIndexesOpenRealPresets) {
+// Every panel offers its groups and every maker its devices; the preset each button remembers before
+// the user has chosen any opens a real preset, and after a change of maker every button remembers
+// index 1, so every device group offers two presets.
+TEST_F(ShippedCatalogue, PanelsOfferTheirGroupsAndEachOpensARealPreset) {
     FormatSetting settings(*catalogue);
     OutputBrowser browser(*catalogue, settings);
     const auto checkStrip = [&](int panel,
                                 const std::array<std::int16_t, OutputBrowser::PresetIndexSize>& initial,
-                                const QString& label) {
+                                const QString& label, qsizetype least) {
+        browser.PanelActive = panel;
         const ButtonStrip& strip = browser.strips.at(static_cast<size_t>(panel));
-        for (qsizetype button = 0; button < strip.buttons.size() && button < OutputBrowser::PresetIndexSize;
-             ++button) {
-            const std::int16_t index = initial.at(static_cast<size_t>(button));
+        EXPECT_GE(strip.buttons.size(), least) << label.toStdString();
+        EXPECT_LE(strip.buttons.size(), OutputBrowser::PresetIndexSize) << label.toStdString();
+        for (qsizetype button = 0;
+             button < std::min<qsizetype>(strip.buttons.size(), OutputBrowser::PresetIndexSize); ++button) {
             browser.Group_Open(panel, button);
             const ValueList& list = catalogue->Cmd_OutputPreset;
             const std::string where = (label + " " + strip.buttons.at(button).caption).toStdString();
-            EXPECT_EQ(list.selectedIndex(), index) << where;
+            EXPECT_EQ(list.selectedIndex(), initial.at(static_cast<size_t>(button))) << where;
             EXPECT_NE(list.selectedText(), "[Custom]") << where;
             EXPECT_EQ(settings.Txt_ID, list.selectedData()) << where;
         }
     };
 
-    const auto video = browser.PresetIndexVideo;
-    const auto audio = browser.PresetIndexAudio;
-    const auto web = browser.PresetIndexWeb;
-    const auto device = browser.PresetIndexDevice;
-    browser.Panel_BuildButtons(Panel_VideoFormats, "VideoFormat");
-    browser.Panel_BuildButtons(Panel_AudioFormats, "AudioFormat");
-    browser.Panel_BuildButtons(Panel_WebFormats, "WebFormat");
-    browser.Panel_BuildButtons(Panel_Devices, kMakers.first());
-    browser.PanelActive = Panel_VideoFormats;
-    checkStrip(Panel_VideoFormats, video, "video");
-    browser.PanelActive = Panel_AudioFormats;
-    checkStrip(Panel_AudioFormats, audio, "audio");
-    browser.PanelActive = Panel_WebFormats;
-    checkStrip(Panel_WebFormats, web, "web");
-    browser.PanelActive = Panel_Devices;
-    checkStrip(Panel_Devices, device, kMakers.first());
-
-    // After a change of maker every button remembers index 1, so every device group offers two presets.
+    const struct {
+        int panel;
+        QString maker;
+        std::array<std::int16_t, OutputBrowser::PresetIndexSize> initial;
+        QStringList groups; // groups that must be there
+        qsizetype least;    // and at least this many in all
+    } panels[] = {{Panel_VideoFormats,
+                   "VideoFormat",
+                   browser.PresetIndexVideo,
+                   {"MP4", "AVI", "WMV", "MKV", "MOV", "FLV", "MPEG-2", "3GP", "WebM", "GIF", "SWF"},
+                   20},
+                  {Panel_AudioFormats,
+                   "AudioFormat",
+                   browser.PresetIndexAudio,
+                   {"MP3", "AAC", "M4A", "WAV", "WMA", "OGG", "FLAC"},
+                   11},
+                  {Panel_WebFormats, "WebFormat", browser.PresetIndexWeb, {}, 4},
+                  {Panel_Devices, kMakers.first(), browser.PresetIndexDevice, {}, 2}};
+    for (const auto& p : panels) {
+        browser.Panel_BuildButtons(p.panel, p.maker);
+        const QStringList shown = captions(browser, p.panel);
+        for (const QString& group : p.groups)
+            EXPECT_TRUE(shown.contains(group)) << group.toStdString();
+        checkStrip(p.panel, p.initial, p.maker, p.least);
+    }
+    QStringList makers;
+    for (const ValueListItem& item : browser.ListBox_MakerNames.items())
+        makers << item.text;
+    EXPECT_EQ(makers, kMakers);
     for (qsizetype maker = 1; maker < kMakers.size(); ++maker) {
         browser.makerChanged(maker);
-        const auto reset = browser.PresetIndexDevice;
-        checkStrip(Panel_Devices, reset, kMakers.at(maker));
+        checkStrip(Panel_Devices, browser.PresetIndexDevice, kMakers.at(maker), 2);
     }
 }

@@ -17,6 +17,9 @@
 #include <QRadioButton>
 #include <QRegularExpression>
 
+#include <array>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 using namespace morvane;
@@ -34,32 +37,22 @@ void pressEscape(QWidget* widget) {
 
 class PreferencesTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        REGISTRY_PRODUCT = QStringLiteral("morvane-test/preferences");
-        Close_Event = 0;
-        Close_DontAsk = false;
-        Update_Active = true;
-        Output_NameMode = 1;
-    }
-    void store(const char* key, const char* value) {
-        ASSERT_TRUE(Write_Setting(REGISTRY_PRODUCT, QLatin1String(key), QLatin1String(value)));
-    }
-    QString stored(const char* key) { return Read_Setting(REGISTRY_PRODUCT, QLatin1String(key)); }
-    // The settings of the store, as the program finds them at start.
-    void storeAndLoad(const char* closeEvent, const char* dontAsk, const char* updates,
-                      const char* nameMode) {
-        store("CloseEvent", closeEvent);
-        store("CloseDontAskMe", dontAsk);
-        store("UpdateActive", updates);
-        store("OutputFileName", nameMode);
+    void SetUp() override { REGISTRY_PRODUCT = QStringLiteral("morvane-test/preferences"); }
+    static constexpr const char* kKeys[] = {"CloseEvent", "CloseDontAskMe", "UpdateActive", "OutputFileName"};
+    using Values = std::array<const char*, 4>;
+    void storeAndLoad(const Values& values) {
+        for (int i = 0; i < 4; ++i)
+            ASSERT_TRUE(Write_Setting(REGISTRY_PRODUCT, QLatin1String(kKeys[i]), QLatin1String(values[i])));
         Load_Settings();
     }
-    void expectStored(const char* closeEvent, const char* dontAsk, const char* updates,
-                      const char* nameMode) {
-        EXPECT_EQ(stored("CloseEvent"), closeEvent);
-        EXPECT_EQ(stored("CloseDontAskMe"), dontAsk);
-        EXPECT_EQ(stored("UpdateActive"), updates);
-        EXPECT_EQ(stored("OutputFileName"), nameMode);
+    // The store and the running program agree on the values.
+    void expectKept(const Values& values) {
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QLatin1String(kKeys[i])), values[i]) << kKeys[i];
+        EXPECT_EQ(Close_Event, QByteArray(values[0]).toInt());
+        EXPECT_EQ(Close_DontAsk, QByteArray(values[1]) == "-1");
+        EXPECT_EQ(Update_Active, QByteArray(values[2]) == "-1");
+        EXPECT_EQ(Output_NameMode, QByteArray(values[3]).toInt());
     }
     static int checkedClose(const frmPreferences& window) {
         for (int i = 0; i < 3; ++i)
@@ -71,118 +64,65 @@ protected:
 
 TEST_F(PreferencesTest, WindowShowsTheLoadedChoices) {
     struct Case {
-        const char* closeEvent; // nullptr: absent
-        const char* dontAsk;    // nullptr: absent
-        int shown;              // Opt_Close
+        Values stored;
+        int close; // Opt_Close
+        bool updates;
+        int conversion;
     };
     const Case cases[] = {
-        {"1", "0", 2}, // a choice without "don't ask" is "Always ask me"
-        {"1", "-1", 0}, {"2", "-1", 1}, {"2", nullptr, 1},
-        {"0", "-1", 2}, {"9", "-1", 2}, {nullptr, nullptr, 2},
+        {{"1", "0", "0", "0"}, 2, false, 0}, // a choice without "don't ask" is "Always ask me"
+        {{"1", "-1", "-1", "1"}, 0, true, 1},
+        {{"2", "-1", "0", "1"}, 1, false, 1},
+        {{"0", "-1", "-1", "0"}, 2, true, 0},
     };
     for (const Case& c : cases) {
-        TempHome fresh;
-        if (c.closeEvent) store("CloseEvent", c.closeEvent);
-        if (c.dontAsk) store("CloseDontAskMe", c.dontAsk);
-        Load_Settings();
+        storeAndLoad(c.stored);
         const frmPreferences window;
-        EXPECT_EQ(checkedClose(window), c.shown)
-            << (c.closeEvent ? c.closeEvent : "absent") << " / " << (c.dontAsk ? c.dontAsk : "absent");
-        EXPECT_EQ(Preferences_Load().optClose, c.shown);
-        // Absent values: updates on, rename.
-        EXPECT_TRUE(window.Chk_CheckUpdates()->isChecked());
-        EXPECT_TRUE(window.Opt_Conversion(1)->isChecked());
+        EXPECT_EQ(checkedClose(window), c.close) << c.stored[0] << " / " << c.stored[1];
+        EXPECT_EQ(window.Chk_CheckUpdates()->isChecked(), c.updates);
+        EXPECT_TRUE(window.Opt_Conversion(c.conversion)->isChecked());
     }
-
-    storeAndLoad("0", "0", "0", "0");
-    const frmPreferences window;
-    EXPECT_FALSE(window.Chk_CheckUpdates()->isChecked());
-    EXPECT_TRUE(window.Opt_Conversion(0)->isChecked());
-    EXPECT_FALSE(window.Opt_Conversion(1)->isChecked());
 }
 
-TEST_F(PreferencesTest, CloseWritesEachChoiceAndSavesIt) {
+// Close saves what the window shows, Default only resets the window, Cancel and Escape change nothing.
+TEST_F(PreferencesTest, ButtonsDecideWhatIsSaved) {
+    enum Press { Cancel, Close, Default, Escape };
     struct Case {
-        int option;
-        int event;
-        bool dontAsk;
-        const char* storedEvent;
-        const char* storedDontAsk;
+        int close; // Opt_Close with updates on and renaming; -1: as loaded
+        std::vector<Press> presses;
+        Values kept;
     };
-    const Case cases[] = {{0, 1, true, "1", "-1"}, {1, 2, true, "2", "-1"}, {2, 0, false, "0", "0"}};
+    const Values before = {"2", "-1", "0", "0"};
+    const Case cases[] = {
+        {0, {Close}, {"1", "-1", "-1", "1"}},
+        {1, {Close}, {"2", "-1", "-1", "1"}},
+        {2, {Close}, {"0", "0", "-1", "1"}},
+        {0, {Cancel}, before},
+        {0, {Escape}, before},
+        {-1, {Default, Cancel}, before},
+        {-1, {Default, Close}, {"0", "0", "-1", "1"}},
+    };
     for (const Case& c : cases) {
-        storeAndLoad("0", "0", "-1", "1");
+        SCOPED_TRACE(testing::Message() << c.close << " " << c.presses.front() << " " << c.presses.size());
+        storeAndLoad(before);
         frmPreferences window;
         window.show();
-        window.Opt_Close(c.option)->setChecked(true);
-        window.Chk_CheckUpdates()->setChecked(false);
-        window.Opt_Conversion(0)->setChecked(true);
-        window.Cmd_Panels(1)->click();
-
+        if (c.close >= 0) {
+            window.Opt_Close(c.close)->setChecked(true);
+            window.Chk_CheckUpdates()->setChecked(true);
+            window.Opt_Conversion(1)->setChecked(true);
+        }
+        for (const Press press : c.presses) {
+            EXPECT_TRUE(window.isVisible());
+            if (press == Escape)
+                pressEscape(&window);
+            else
+                window.Cmd_Panels(press)->click();
+        }
         EXPECT_FALSE(window.isVisible());
-        EXPECT_EQ(window.result(), QDialog::Accepted);
-        EXPECT_EQ(Close_Event, c.event) << c.option;
-        EXPECT_EQ(Close_DontAsk, c.dontAsk) << c.option;
-        EXPECT_FALSE(Update_Active);
-        EXPECT_EQ(Output_NameMode, 0);
-        expectStored(c.storedEvent, c.storedDontAsk, "0", "0");
-
-        // The next run shows the same choices.
-        Load_Settings();
-        EXPECT_EQ(checkedClose(frmPreferences()), c.option);
+        EXPECT_EQ(window.result(), c.presses.back() == Close ? QDialog::Accepted : QDialog::Rejected);
+        expectKept(c.kept);
     }
-}
-
-TEST_F(PreferencesTest, CancelAndEscapeChangeNothing) {
-    for (const bool byEscape : {false, true}) {
-        storeAndLoad("2", "-1", "0", "0");
-        frmPreferences window;
-        window.show();
-        window.Opt_Close(2)->setChecked(true);
-        window.Chk_CheckUpdates()->setChecked(true);
-        window.Opt_Conversion(1)->setChecked(true);
-        if (byEscape)
-            pressEscape(&window);
-        else
-            window.Cmd_Panels(0)->click();
-
-        EXPECT_FALSE(window.isVisible());
-        EXPECT_EQ(window.result(), QDialog::Rejected);
-        EXPECT_EQ(Close_Event, 2);
-        EXPECT_TRUE(Close_DontAsk);
-        EXPECT_FALSE(Update_Active);
-        EXPECT_EQ(Output_NameMode, 0);
-        expectStored("2", "-1", "0", "0");
-    }
-}
-
-TEST_F(PreferencesTest, DefaultResetsTheControlsAndSavesOnlyOnClose) {
-    storeAndLoad("1", "-1", "0", "0");
-    {
-        frmPreferences window;
-        window.show();
-        window.Cmd_Panels(2)->click();
-        EXPECT_TRUE(window.isVisible());
-        EXPECT_TRUE(window.Chk_CheckUpdates()->isChecked());
-        EXPECT_EQ(checkedClose(window), 2);
-        EXPECT_TRUE(window.Opt_Conversion(1)->isChecked());
-        EXPECT_EQ(Close_Event, 1);
-        EXPECT_TRUE(Close_DontAsk);
-        EXPECT_FALSE(Update_Active);
-        expectStored("1", "-1", "0", "0");
-
-        window.Cmd_Panels(0)->click();
-        expectStored("1", "-1", "0", "0");
-    }
-    frmPreferences window;
-    window.show();
-    window.Cmd_Panels(2)->click();
-    window.Cmd_Panels(1)->click();
-    EXPECT_EQ(Close_Event, 0);
-    EXPECT_FALSE(Close_DontAsk);
-    EXPECT_TRUE(Update_Active);
-    EXPECT_EQ(Output_NameMode, 1);
-    expectStored("0", "0", "-1", "1");
 }
 
 // --- Wait window ---------------------------------------------------------------------------------
@@ -191,11 +131,11 @@ TEST(WaitWindow, EachModeHasItsLook) {
     struct Look {
         int mode;
         bool file;
-        const char* fileText; // nullptr: the caller's
+        const char* fileText; // nullptr: the caller's, shortened when long with all of it in the tip
         bool fileNo;
         bool cancel;
         bool cancelEnabled;
-        bool busy;
+        bool busy; // a moving bar that no value stops
     };
     const Look looks[] = {
         {0, true, nullptr, true, true, false, true},
@@ -205,6 +145,7 @@ TEST(WaitWindow, EachModeHasItsLook) {
         {4, false, nullptr, false, true, true, true},
         {5, true, "Loading...", false, false, false, false},
     };
+    const QString path = QStringLiteral("/home/user/Videos/") + QString(300, QLatin1Char('v')) + ".mkv";
     for (const Look& look : looks) {
         QWidget mainWindow;
         frmWait wait(&mainWindow, look.mode);
@@ -213,30 +154,20 @@ TEST(WaitWindow, EachModeHasItsLook) {
         EXPECT_EQ(wait.lbl_WaitFile()->isVisible(), look.file);
         if (look.fileText) {
             EXPECT_EQ(wait.lbl_WaitFile()->text(), look.fileText);
+        } else {
+            wait.setFile(path);
+            EXPECT_LT(wait.lbl_WaitFile()->text().size(), path.size());
+            EXPECT_EQ(wait.lbl_WaitFile()->toolTip(), path);
         }
         EXPECT_EQ(wait.lbl_WaitFileNo()->isVisible(), look.fileNo);
         EXPECT_EQ(wait.Cmd_Cancel()->isVisible(), look.cancel);
         if (look.cancel) {
             EXPECT_EQ(wait.Cmd_Cancel()->isEnabled(), look.cancelEnabled);
         }
-        EXPECT_TRUE(wait.ProgressBar1()->isVisible());
-        EXPECT_EQ(wait.isBusy(), look.busy);
-        EXPECT_EQ(wait.ProgressBar1()->maximum() == 0, look.busy);
+        wait.setMaximum(10);
+        wait.setValue(3);
+        EXPECT_EQ(wait.ProgressBar1()->maximum(), look.busy ? 0 : 10);
     }
-}
-
-TEST(WaitWindow, LongPathsAndBusyBarsKeepTheirShape) {
-    // A long path keeps the window's width: the label shows less, the tool tip all of it.
-    frmWait wait(nullptr, 1);
-    const QString path = QStringLiteral("/home/user/Videos/") + QString(300, QLatin1Char('v')) + ".mkv";
-    wait.setFile(path);
-    EXPECT_LT(wait.lbl_WaitFile()->text().size(), path.size());
-    EXPECT_EQ(wait.lbl_WaitFile()->toolTip(), path);
-
-    frmWait closing(nullptr, 2);
-    closing.setMaximum(10);
-    closing.setValue(3);
-    EXPECT_EQ(closing.ProgressBar1()->maximum(), 0);
 }
 
 TEST(WaitWindow, MainWindowIsDisabledOnlyWhileTheWaitIsUp) {
@@ -250,7 +181,6 @@ TEST(WaitWindow, MainWindowIsDisabledOnlyWhileTheWaitIsUp) {
     wait->show();
     EXPECT_FALSE(mainWindow.isEnabled());
     EXPECT_TRUE(wait->isEnabled());
-    EXPECT_TRUE(wait->Cmd_Cancel()->isEnabled());
     pressEscape(wait); // no way out but Cancel
     EXPECT_TRUE(wait->isVisible());
     EXPECT_FALSE(mainWindow.isEnabled());
@@ -258,14 +188,9 @@ TEST(WaitWindow, MainWindowIsDisabledOnlyWhileTheWaitIsUp) {
     EXPECT_EQ(cancels, 1);
     EXPECT_TRUE(mainWindow.isEnabled());
     wait->close();
-    EXPECT_FALSE(wait->isVisible());
     EXPECT_TRUE(mainWindow.isEnabled());
 
-    // Closed by the host, shown again, then dropped while up.
-    wait->show();
-    EXPECT_FALSE(mainWindow.isEnabled());
-    wait->close();
-    EXPECT_TRUE(mainWindow.isEnabled());
+    // Shown again, then dropped while up.
     wait->show();
     EXPECT_FALSE(mainWindow.isEnabled());
     delete wait;
@@ -286,13 +211,12 @@ TEST(CloseQuestion, ButtonsEscapeAndCloseBoxSetTheAnswer) {
         bool box;
         int event;
         bool dontAsk;
-        int result;
     };
-    const Case cases[] = {
-        {"tray", true, 1, true, QDialog::Accepted},    {"tray", false, 1, false, QDialog::Accepted},
-        {"exit", true, 2, true, QDialog::Accepted},    {"exit", false, 2, false, QDialog::Accepted},
-        {"escape", true, 0, false, QDialog::Rejected}, {"closebox", true, 0, false, QDialog::Rejected},
-    };
+    const Case cases[] = {{"tray", true, 1, true},
+                          {"exit", true, 2, true},
+                          {"exit", false, 2, false},
+                          {"escape", true, 0, false},
+                          {"closebox", true, 0, false}};
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.action) + (c.box ? " checked" : " unchecked"));
         Close_Event = 7;
@@ -310,7 +234,7 @@ TEST(CloseQuestion, ButtonsEscapeAndCloseBoxSetTheAnswer) {
         else
             window.close();
         EXPECT_FALSE(window.isVisible());
-        EXPECT_EQ(window.result(), c.result);
+        EXPECT_EQ(window.result(), c.event != 0 ? QDialog::Accepted : QDialog::Rejected);
         EXPECT_EQ(Close_Event, c.event);
         EXPECT_EQ(Close_DontAsk, c.dontAsk);
     }
