@@ -57,7 +57,7 @@ void VideoConverter::taskEnded(int task, bool finished, bool failed, const QStri
         if (!landed.isEmpty() && landed != wanted) m_table.setText(row, FileCol::ConvertedFileName, landed);
         if (row + 1 < m_table.rows()) {
             m_table.selectRow(row + 1);
-            showInputFileInfo(row + 1);
+            m_host.Show_InputFileInfo(row + 1);
         }
         m_host.Clear_HookOutput();
     }
@@ -85,7 +85,7 @@ void VideoConverter::taskEnded(int task, bool finished, bool failed, const QStri
             m_endedRows.insert(row);
         }
         m_table.selectRow(row);
-        showInputFileInfo(row);
+        m_host.Show_InputFileInfo(row);
         m_host.Focus_List();
         m_host.Clear_HookOutput();
     }

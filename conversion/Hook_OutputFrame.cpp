@@ -10,28 +10,32 @@ void TaskEffects::Publish(Lists byTask) {
     m_current = std::move(next);
 }
 
-std::shared_ptr<const TaskEffects::Lists> TaskEffects::snapshot() const {
+namespace {
+
+// The task's list in a snapshot; nothing for a task the snapshot does not know.
+const std::string* ListOf(const TaskEffects::Lists& lists, int task) {
+    return task >= 0 && task < static_cast<int>(lists.size()) ? &lists[static_cast<std::size_t>(task)]
+                                                              : nullptr;
+}
+
+} // namespace
+
+std::shared_ptr<const TaskEffects::Lists> TaskEffects::Snapshot() const {
     const std::lock_guard<std::mutex> guard(m_lock);
     return m_current;
 }
 
-std::string TaskEffects::ListOf(int task) const {
-    const auto lists = snapshot();
-    return task >= 0 && task < static_cast<int>(lists->size()) ? (*lists)[static_cast<std::size_t>(task)]
-                                                               : std::string();
-}
-
 bool TaskEffects::Active(int task) const {
-    const auto lists = snapshot();
-    return task >= 0 && task < static_cast<int>(lists->size()) &&
-           (*lists)[static_cast<std::size_t>(task)].find_first_not_of(" \t,") != std::string::npos;
+    const auto lists = Snapshot();
+    const std::string* list = ListOf(*lists, task);
+    return list && list->find_first_not_of(" \t,") != std::string::npos;
 }
 
 void Hook_OutputFrame(const TaskEffects& effects, const HookFrame& frame) {
-    const std::string list = effects.ListOf(frame.task);
-    if (list.empty()) return;
-    imaging::Run_EffectChain(imaging::Frame{frame.bits, frame.width, frame.height, frame.bytesPerLine}, list,
-                             static_cast<std::uint32_t>(frame.index));
+    const auto lists = effects.Snapshot(); // keeps the list alive while the frame runs, without a copy
+    if (const std::string* list = ListOf(*lists, frame.task); list && !list->empty())
+        imaging::Run_EffectChain(imaging::Frame{frame.bits, frame.width, frame.height, frame.bytesPerLine},
+                                 *list, static_cast<std::uint32_t>(frame.index));
 }
 
 } // namespace morvane

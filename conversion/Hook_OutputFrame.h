@@ -20,13 +20,12 @@ public:
 
     // Main thread: the lists of a prepared queue, replacing those of the run before.
     void Publish(Lists byTask);
-    // Any thread: the task's list; "" for none or a task the snapshot does not know.
-    std::string ListOf(int task) const;
+    // Any thread: the latest lists. The lock is held only to copy the pointer.
+    std::shared_ptr<const Lists> Snapshot() const;
     // Whether the task's frames need the hook at all: without effects they skip its colour conversions.
     bool Active(int task) const;
 
 private:
-    std::shared_ptr<const Lists> snapshot() const;
     mutable std::mutex m_lock; // guards m_current, never held during a frame
     std::shared_ptr<const Lists> m_current = std::make_shared<const Lists>();
 };

@@ -41,10 +41,6 @@ VideoConverter::VideoConverter(FileViewMain& table, FormatSetting& settings, Out
     }
 }
 
-void VideoConverter::showInputFileInfo(int row) {
-    m_host.Show_InputFileInfo(row);
-}
-
 VideoConverter::~VideoConverter() {
     if (m_encoder.Listener() == this) m_encoder.SetListener(nullptr);
 }
@@ -227,7 +223,7 @@ void VideoConverter::Start() {
     m_encoder.ClearTasks();
     m_host.Clear_Preview();
     m_encoder.SetPreviewEnabled(Preview_Enabled);
-    showInputFileInfo(m_table.selectedRows().isEmpty() ? -1 : m_table.selectedRows().first());
+    m_host.Show_InputFileInfo(m_table.selectedRows().isEmpty() ? -1 : m_table.selectedRows().first());
 
     for (int r = 0; r < m_table.rows(); ++r)
         Set_RowState(m_table, r, true, State_Ready); // also clears the status text and the failure text
@@ -345,7 +341,7 @@ void VideoConverter::Stop() {
     if (m_table.rows() > 0) {
         const int row = std::min(std::max(job, 0), m_table.rows() - 1);
         m_table.selectRow(row);
-        showInputFileInfo(row);
+        m_host.Show_InputFileInfo(row);
     }
 }
 

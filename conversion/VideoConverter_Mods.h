@@ -198,8 +198,6 @@ private:
     void taskEnded(int task, bool finished, bool failed, const QString& message);
     void queueEnded();
     void postConversion();
-    // Shows the row in the information panel.
-    void showInputFileInfo(int row);
     // The row of a task: rows that could not be queued have none, so the numbers differ.
     int rowOfTask(int task) const;
     // A row that cannot be converted: it goes into the report and the rest of the batch runs on.

@@ -252,7 +252,7 @@ void EffectsPanel::SetEffectSlider(int i, int value) {
     s.Value = value;
     if (s.Tag == kNotReady) return;
     lbl_EffectValue[static_cast<std::size_t>(i)] = QString::number(value);
-    effectValueEvent(i);
+    effectValueEvent();
 }
 
 void EffectsPanel::SetEffectCheckBox(int i, int value) {
@@ -260,7 +260,7 @@ void EffectsPanel::SetEffectCheckBox(int i, int value) {
     CheckBox& c = EffectValues_CheckBox[static_cast<std::size_t>(i)];
     if (c.Value == value) return;
     c.Value = value;
-    if (c.Tag != kNotReady) effectValueEvent(i);
+    if (c.Tag != kNotReady) effectValueEvent();
 }
 
 void EffectsPanel::SetEffectColor(int i, qint64 colour) {
@@ -268,10 +268,10 @@ void EffectsPanel::SetEffectColor(int i, qint64 colour) {
     ColorPicker& c = EffectValues_ColorPicker[static_cast<std::size_t>(i)];
     if (c.Color == colour) return;
     c.Color = colour;
-    if (c.Tag != kNotReady) effectValueEvent(i);
+    if (c.Tag != kNotReady) effectValueEvent();
 }
 
-void EffectsPanel::effectValueEvent(int) {
+void EffectsPanel::effectValueEvent() {
     Emit_EffectToken(EffectValues_GroupBox_Caption);
     Dirty = true;
 }

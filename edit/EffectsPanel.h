@@ -98,8 +98,7 @@ public:
     QString PlayFilter;
 
 private:
-    void effectSliderChanged(int i);
-    void effectValueEvent(int i);
+    void effectValueEvent();
     void selectButtonColours(int k, bool selected);
     int m_labelBackColour;
     int m_previewWidth = 0;

@@ -8,18 +8,15 @@ extern "C" {
 #include <libavfilter/buffersrc.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/imgutils.h>
-#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
-#include <thread>
 #include <vector>
 
 namespace morvane {
@@ -776,44 +773,26 @@ private:
             m_bgra->height = f->height;
             if (const int r = av_frame_get_buffer(m_bgra.get(), 0); r < 0) return fail("hook buffer", r);
         }
+        // Even 4:2:0 comes back through our own pass; only other layouts need the scaler's way back.
+        const bool ownWayBack = fmt == AV_PIX_FMT_YUV420P && f->width % 2 == 0 && f->height % 2 == 0;
         m_toBgra.reset(sws_getCachedContext(m_toBgra.release(), f->width, f->height, fmt, f->width, f->height,
                                             AV_PIX_FMT_BGRA, SWS_BICUBIC, nullptr, nullptr, nullptr));
-        if (!m_fromBgra || m_fromBgraFor != std::array<int, 3>{f->width, f->height, fmt}) {
-            m_fromBgra.reset(bgraBackContext(f->width, f->height, fmt));
-            m_fromBgraFor = {f->width, f->height, fmt};
-        }
-        if (!m_toBgra || !m_fromBgra)
+        if (!ownWayBack)
+            m_fromBgra.reset(sws_getCachedContext(m_fromBgra.release(), f->width, f->height, AV_PIX_FMT_BGRA,
+                                                  f->width, f->height, fmt, SWS_BICUBIC, nullptr, nullptr,
+                                                  nullptr));
+        if (!m_toBgra || (!ownWayBack && !m_fromBgra))
             return failText("No conversion between BGRA and " + std::string(av_get_pix_fmt_name(fmt)));
-        int r = av_frame_make_writable(f);
-        if (r < 0) return fail("hook", r);
+        if (const int r = av_frame_make_writable(f); r < 0) return fail("hook", r);
         sws_scale(m_toBgra.get(), f->data, f->linesize, 0, f->height, m_bgra->data, m_bgra->linesize);
         m_cb.hook(
             HookFrame{m_cb.task, m_videoFrames, f->width, f->height, m_bgra->linesize[0], m_bgra->data[0]});
-        if (fmt == AV_PIX_FMT_YUV420P && f->width % 2 == 0 && f->height % 2 == 0)
+        if (ownWayBack)
             Bgra_ToYuv420(m_bgra->data[0], m_bgra->linesize[0], f->width, f->height, f->data[0],
                           f->linesize[0], f->data[1], f->linesize[1], f->data[2], f->linesize[2]);
-        else if (r = sws_scale_frame(m_fromBgra.get(), f, m_bgra.get()); r < 0)
-            return fail("hook", r);
+        else
+            sws_scale(m_fromBgra.get(), m_bgra->data, m_bgra->linesize, 0, f->height, f->data, f->linesize);
         return true;
-    }
-
-    // BGRA back to the frame's own format is the dearer half of the round trip (the chroma is filtered
-    // down), and it holds up the whole pipeline: slice threads share it out.
-    static SwsContext* bgraBackContext(int width, int height, AVPixelFormat format) {
-        SwsContext* c = sws_alloc_context();
-        if (!c) return nullptr;
-        const int threads = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 4);
-        const std::pair<const char*, std::int64_t> options[] = {
-            {"srcw", width},  {"srch", height},       {"src_format", AV_PIX_FMT_BGRA}, {"dstw", width},
-            {"dsth", height}, {"dst_format", format}, {"sws_flags", SWS_BICUBIC},      {"threads", threads}};
-        bool ok = true;
-        for (const auto& [name, value] : options)
-            ok = ok && av_opt_set_int(c, name, value, 0) >= 0;
-        if (!ok || sws_init_context(c, nullptr, nullptr) < 0) {
-            sws_freeContext(c);
-            return nullptr;
-        }
-        return c;
     }
 
     // A downscaled BGRA copy, after the hook so that the preview shows its effects.
@@ -886,8 +865,7 @@ private:
     std::int64_t m_jumpOffsetUs = 0; // taken out of every timestamp after a jump
     std::int64_t m_runawayUs = 0;    // an output position past this ends the task; 0: no limit
     FramePtr m_frame, m_filtered, m_bgra, m_adapted;
-    std::array<int, 3> m_fromBgraFor{}; // width, height and format m_fromBgra was made for
-    std::int64_t m_videoFrames = 0;     // video frames handed on so far: the hook's frame numbers
+    std::int64_t m_videoFrames = 0; // video frames handed on so far: the hook's frame numbers
     PacketPtr m_packet;
     SwsPtr m_toBgra, m_fromBgra, m_toPreview;
     std::vector<std::uint8_t> m_previewBits;
