@@ -10,6 +10,7 @@
 #include "EncoderEngine.h"
 #include "FileViewMain.h"
 #include "FormatSetting.h"
+#include "Globals.h"
 #include "Hook_OutputFrame.h"
 #include "Make_EncoderArgs.h"
 #include "OutputBrowser.h"
@@ -25,13 +26,6 @@
 #include <vector>
 
 namespace morvane {
-
-// Flags of other windows that the event handlers honour (edit window, player window, closing, the
-// diagnostics test run). Set by their owners.
-inline bool EditWindowOpen = false;
-inline bool PlayerWindowOpen = false;
-inline bool Closing = false;
-inline bool Test_Running = false;
 
 enum ConversionState : int { Conversion_Idle = 0, Conversion_Converting = 1, Conversion_Paused = 2 };
 

@@ -34,6 +34,13 @@ inline QString Path_LastDisc; // rewritten by the disc source
 inline QString Path_Output;   // rewritten when the user picks the output folder
 inline QString Path_Capture;  // rewritten when the user saves a snapshot
 
+// Flags of other windows that the encoder's and the player's event handlers honour (edit window,
+// player window, closing, the diagnostics test run). Set by their owners.
+inline bool EditWindowOpen = false;
+inline bool PlayerWindowOpen = false;
+inline bool Closing = false;
+inline bool Test_Running = false;
+
 // Trail of the run's message boxes; cleared by the main window on load.
 inline QString Msg_Trail;
 
