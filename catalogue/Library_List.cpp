@@ -3,6 +3,8 @@
 #include "CheckedMath.h"
 #include "mMain.h"
 
+#include <QRegularExpression>
+
 #include <array>
 #include <cmath>
 #include <utility>
@@ -99,6 +101,22 @@ QString Filter_Video() {
 
 QString Filter_Image() {
     return concatenate(kImageFilters);
+}
+
+QString Qt_DialogFilter(const QString& windowsFilter) {
+    const QStringList parts = windowsFilter.split(QLatin1Char('|'));
+    QStringList rows;
+    static const QRegularExpression trailingPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString description = parts.at(i);
+        description.remove(trailingPatterns);
+        QStringList patterns = parts.at(i + 1).split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& p : patterns)
+            p = p.trimmed();
+        rows << description.trimmed() + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) +
+                    QLatin1Char(')');
+    }
+    return rows.join(QStringLiteral(";;"));
 }
 
 QString Bitrate_Label(const QString& value) {

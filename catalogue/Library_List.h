@@ -13,6 +13,9 @@ QString Library_List(int kind);
 // Filter texts of the file dialogs: pairs of a description and a pattern, separated by "|".
 QString Filter_Video();
 QString Filter_Image();
+// A filter text of the form above in the form of Qt's file dialogs: "Description (*.a *.b)" per row,
+// joined by ";;".
+QString Qt_DialogFilter(const QString& windowsFilter);
 
 // "-1" and "0" stand as given; otherwise whole kilobits ("128000" reads "128 kbps"). A value that
 // is no number gives "".

@@ -24,11 +24,21 @@ void VideoConverter::OnPreviewBitmap(int task, int width, int height, const QByt
 }
 
 void VideoConverter::OnTerminate(int task, bool finished, bool failed, const QString& message) {
-    if (guarded()) return;
-    if (task == -1)
-        queueEnded();
-    else if (task >= 0)
-        taskEnded(task, finished, failed, message);
+    if (Closing) return;
+    // An end that comes after held ones waits its turn behind them.
+    m_heldEnds.push_back({task, finished, failed, message});
+    Release_HeldEvents();
+}
+
+void VideoConverter::Release_HeldEvents() {
+    while (!guarded() && !m_heldEnds.empty()) {
+        const HeldEnd e = m_heldEnds.front();
+        m_heldEnds.erase(m_heldEnds.begin());
+        if (e.task == -1)
+            queueEnded();
+        else if (e.task >= 0)
+            taskEnded(e.task, e.finished, e.failed, e.message);
+    }
 }
 
 void VideoConverter::taskEnded(int task, bool finished, bool failed, const QString& message) {

@@ -152,6 +152,10 @@ public:
     void OnProgress(int task, qint64 positionUs, qint64 durationUs) override;
     void OnTerminate(int task, bool finished, bool failed, const QString& message) override;
     void OnPreviewBitmap(int task, int width, int height, const QByteArray& bgra) override;
+    // While the edit or the player window is open the handlers stand still: progress and pictures are
+    // passed over, and the ends of tasks wait here, so that no file's result is lost. The window's
+    // owner calls this when it closes, and they are handled in the order they came.
+    void Release_HeldEvents();
 
     // ---- Timer_ConversionElapsed, every 1000 ms while on.
     void Timer_ConversionElapsed_Tick();
@@ -205,6 +209,12 @@ private:
     std::unique_ptr<QTimer> m_timer; // only with a real timer
     bool m_elapsedOn = false;
     bool m_waitOpen = false;
+    struct HeldEnd {
+        int task;
+        bool finished, failed;
+        QString message;
+    };
+    std::vector<HeldEnd> m_heldEnds;
     TaskEffects m_taskEffects;   // read by the encoder's worker threads
     std::vector<int> m_taskRows; // by task number
     QSet<int> m_endedRows;       // rows done or failed in this run: a Stop leaves them as they are

@@ -5,11 +5,15 @@
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "Globals.h"
+#include "MediaPlayer_Mod.h"
+#include "MpvPlayer.h"
+#include "Open_Folder.h"
 #include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
 #include "frmFormatSetting.h"
 #include "frmMain_Host.h"
+#include "frmPlayer.h"
 #include "frmReportList.h"
 #include "frmWait.h"
 #include "mMain.h"
@@ -83,11 +87,13 @@ QFrame* makePanel(const QString& name) {
 } // namespace
 
 frmMain::frmMain(MainSeams seams, std::unique_ptr<EncoderEngine> engine, std::unique_ptr<FFDecoder> decoder,
-                 QWidget* parent)
+                 std::unique_ptr<FFPlayer> player, QWidget* parent)
     : QMainWindow(parent), m_seams(std::move(seams)), m_engine(std::move(engine)),
-      m_decoder(std::move(decoder)) {
+      m_decoder(std::move(decoder)), FFPlayer1(std::move(player)) {
     if (!m_engine) m_engine = std::make_unique<FFEncoderEngine>();
     if (!m_decoder) m_decoder = Make_FFDecoder();
+    if (!FFPlayer1) FFPlayer1 = std::make_unique<MpvPlayer>();
+    m_media = std::make_unique<MediaPlayer>(*FFPlayer1);
     m_host = std::make_unique<Host>(*this);
     m_converter = std::make_unique<VideoConverter>(m_table, m_settings, m_browser, *m_engine, *m_host, false);
     m_events = std::make_unique<EventRelay>(*m_converter, [this] { syncConversionViews(); });
@@ -468,8 +474,36 @@ void frmMain::Show_InputFileInfo(int row) {
     else
         picPreview->setPixmap(
             picture.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
-    // Playback comes with the player window; until then the button stays hidden.
-    Cmd_PlayPreview->hide();
+    Cmd_PlayPreview->setVisible(Get_ConversionState() == Conversion_Idle);
+    Cmd_PlayPreview->move((picPreview->width() - Cmd_PlayPreview->sizeHint().width()) / 2,
+                          (picPreview->height() - Cmd_PlayPreview->sizeHint().height()) / 2);
+}
+
+void frmMain::Cmd_PlayPreview_Click() {
+    if (Get_ConversionState() != Conversion_Idle || PlayerWindowOpen || EditWindowOpen) return;
+    if (Info_Row < 0 || Info_Row >= m_table.rows()) return;
+    const QString file =
+        m_table.text(Info_Row, FileCol::FilePath) + m_table.text(Info_Row, FileCol::FileName);
+    const float aspect = m_table.text(Info_Row, FileCol::VideoSampleAspectRatio).toFloat();
+    PlayerWindowOpen = true;
+    {
+        frmPlayer window(*m_media, file, aspect, this);
+        window.model().openFolder = [this](const QString& folder) {
+            Open_Folder(this, folder, false, false);
+        };
+        if (m_seams.playerWindow) {
+            window.show();
+            m_seams.playerWindow(window);
+            window.close();
+        } else {
+            window.exec();
+        }
+    }
+    PlayerWindowOpen = false;
+    activateWindow();
+    // What the encoder said while the window was open is handled now.
+    m_converter->Release_HeldEvents();
+    syncConversionViews();
 }
 
 } // namespace morvane

@@ -11,6 +11,7 @@
 #include "Catalogue.h"
 #include "EncoderEngine.h"
 #include "FFDecoder.h"
+#include "FFPlayer.h"
 #include "FileViewMain.h"
 #include "FormatSetting.h"
 #include "Import_Files.h"
@@ -40,6 +41,8 @@ class QToolButton;
 namespace morvane {
 
 class FileListView;
+class MediaPlayer;
+class frmPlayer;
 class frmReportList;
 class frmFormatSetting;
 class OutputBrowserView;
@@ -53,14 +56,18 @@ struct MainSeams {
     std::function<void()> preferences;                              // frmPreferences
     std::function<void()> about;                                    // frmAbout
     std::function<void(int code)> exitProcess;                      // the hard end of Form_Unload
+    // The player window, shown; without it the window runs modally until it closes.
+    std::function<void(frmPlayer& window)> playerWindow;
 };
 
 class frmMain : public QMainWindow {
     Q_OBJECT
 public:
-    // Without an engine the FFmpeg engine serves; without a decoder, the FFmpeg reader.
+    // Without an engine the FFmpeg engine serves; without a decoder, the FFmpeg reader; without a
+    // player, libmpv.
     explicit frmMain(MainSeams seams = {}, std::unique_ptr<EncoderEngine> engine = {},
-                     std::unique_ptr<FFDecoder> decoder = {}, QWidget* parent = nullptr);
+                     std::unique_ptr<FFDecoder> decoder = {}, std::unique_ptr<FFPlayer> player = {},
+                     QWidget* parent = nullptr);
     ~frmMain() override;
 
     // The load sequence; the command line's first argument (may be empty) is imported by
@@ -77,6 +84,8 @@ public:
     void Cmd_FileListView_Click(int index);
     void mnuMenu_Click(int index);
     void mnuFileList_Click(int index);
+    // The preview's Play button: the row of the information panel in the player window.
+    void Cmd_PlayPreview_Click();
     // The theme menu: 1 Light, 2 Dark.
     void mnutheme_Click(int index);
 
@@ -100,6 +109,9 @@ public:
     QProgressBar* totalBar() const { return ProgressBar_Total; }
     QLabel* infoValue(int entry) const { return lbl_InputFileValue.at(entry); }
     QLabel* preview() const { return picPreview; }
+    QToolButton* playPreviewButton() const { return Cmd_PlayPreview; }
+    QMenu* previewMenu() const { return mnuPreview; }
+    MediaPlayer& media() { return *m_media; }
     OutputBrowserView* browserView() const { return m_browserView; }
     frmFormatSetting* settingsWindow() const { return m_settingsWindow; }
     QMenu* fileListMenu() const { return mnuFileList; }
@@ -152,6 +164,8 @@ private:
     MainSeams m_seams;
     std::unique_ptr<EncoderEngine> m_engine;
     std::unique_ptr<FFDecoder> m_decoder;
+    std::unique_ptr<FFPlayer> FFPlayer1;  // the one player: preview, edit window, player window
+    std::unique_ptr<MediaPlayer> m_media; // the player's logic over it
     Catalogue m_catalogue;
     FormatSetting m_settings{m_catalogue};
     OutputBrowser m_browser{m_catalogue, m_settings};

@@ -2,6 +2,7 @@
 // import and the converter ask of the window.
 
 #include "Close_Main.h"
+#include "FFPlayer.h"
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "Folders_Mods.h"
@@ -44,10 +45,10 @@
 #include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QShortcut>
 #include <QSocketNotifier>
 #include <QTableView>
+#include <QToolButton>
 #include <QUrl>
 
 #include <csignal>
@@ -116,6 +117,10 @@ void frmMain::buildMenus() {
     renameAll->setObjectName(QStringLiteral("mnuFileList_9"));
 
     mnuPreview = new QMenu(this);
+    QAction* play = mnuPreview->addAction(QStringLiteral("Play"));
+    play->setObjectName(QStringLiteral("mnuPreview_1"));
+    connect(play, &QAction::triggered, this, [this] { Cmd_PlayPreview_Click(); });
+    mnuPreview->addSeparator();
     QAction* remove = mnuPreview->addAction(QStringLiteral("Remove"));
     connect(remove, &QAction::triggered, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
     QAction* open = mnuPreview->addAction(QStringLiteral("Open file location..."));
@@ -135,6 +140,8 @@ void frmMain::setupConnections() {
             [this] { Cmd_FileListView_Click(Btn_RemoveAll); });
     connect(m_list, &FileListView::rowShown, this, [this](int row) { Show_InputFileInfo(row); });
     connect(m_list, &FileListView::contextMenuRequested, this, &frmMain::contextMenu);
+    connect(m_list, &FileListView::playRequested, this, &frmMain::Cmd_PlayPreview_Click);
+    connect(Cmd_PlayPreview, &QToolButton::clicked, this, &frmMain::Cmd_PlayPreview_Click);
     connect(picPreview, &QLabel::customContextMenuRequested, this, [this](const QPoint& at) {
         if (Get_ConversionState() == Conversion_Idle && m_table.rows() > 0)
             mnuPreview->popup(picPreview->mapToGlobal(at));
@@ -498,6 +505,7 @@ void frmMain::Form_Unload() {
     m_engine->ClearTasks();
     QCoreApplication::processEvents();
     m_merge.Merge_Reset(QString());
+    FFPlayer1->Release();
 
     Timer_StartUp.stop();
     Timer_ConversionElapsed.stop();
@@ -673,22 +681,6 @@ QStringList frmMain::Host::Show_Open(const OpenDialogRequest& request) {
         dialog.selectNameFilter(filters.at(request.filterIndex - 1));
     if (dialog.exec() != QDialog::Accepted) return {};
     return dialog.selectedFiles();
-}
-
-QString Qt_DialogFilter(const QString& windowsFilter) {
-    const QStringList parts = windowsFilter.split(QLatin1Char('|'));
-    QStringList rows;
-    static const QRegularExpression trailingPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
-    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-        QString description = parts.at(i);
-        description.remove(trailingPatterns);
-        QStringList patterns = parts.at(i + 1).split(QLatin1Char(';'), Qt::SkipEmptyParts);
-        for (QString& p : patterns)
-            p = p.trimmed();
-        rows << description.trimmed() + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) +
-                    QLatin1Char(')');
-    }
-    return rows.join(QStringLiteral(";;"));
 }
 
 } // namespace morvane

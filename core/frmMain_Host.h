@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Import_Files.h"
+#include "Library_List.h"
 #include "VideoConverter_Mods.h"
 #include "frmMain.h"
 
@@ -50,8 +51,5 @@ private:
     void openWait(int mode);
     frmMain& w;
 };
-
-// The open dialog's filter in Qt's form: "Description (*.a *.b)" per row, joined by ";;".
-QString Qt_DialogFilter(const QString& windowsFilter);
 
 } // namespace morvane

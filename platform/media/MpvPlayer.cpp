@@ -279,6 +279,7 @@ void MpvPlayer::Release() {
     mpv_set_wakeup_callback(m_handle, nullptr, nullptr);
     m_renderer.reset();
     m_shown = QImage();
+    if (m_surface) m_surface->clearFrame();
     mpv_render_context_free(m_render);
     m_render = nullptr;
     mpv_terminate_destroy(m_handle);
@@ -377,10 +378,18 @@ void MpvPlayer::handleEvent(const mpv_event& event) {
 
 void MpvPlayer::presentFrame() {
     if (!m_renderer || !m_renderer->takeFrame(*m_shownBuffer)) return;
-    if (!m_loaded || m_hidden || !m_surface) return;
+    // The buffer the surface showed until now belongs to the render thread again: the surface gets
+    // the new frame or lets go of the picture, never keeps the old one.
     const MpvFrameBuffer& b = *m_shownBuffer;
-    m_shown = QImage(b.bits.get(), b.width, b.height, static_cast<qsizetype>(b.stride), QImage::Format_RGB32);
-    m_surface->presentFrame(m_shown);
+    const bool show = m_loaded && !m_hidden && m_surface;
+    m_shown =
+        show ? QImage(b.bits.get(), b.width, b.height, static_cast<qsizetype>(b.stride), QImage::Format_RGB32)
+             : QImage();
+    if (!m_surface) return;
+    if (show)
+        m_surface->presentFrame(m_shown);
+    else
+        m_surface->clearFrame();
 }
 
 void MpvPlayer::updateRenderTarget() {
@@ -390,6 +399,7 @@ void MpvPlayer::updateRenderTarget() {
 }
 
 void MpvPlayer::setVideoWindow(PlayerSurface* surface) {
+    if (m_surface && m_surface != surface) m_surface->clearFrame();
     m_surface = surface;
     m_shown = QImage();
     updateRenderTarget();
@@ -413,6 +423,7 @@ void MpvPlayer::Open(const QString& file, std::int64_t positionUs, bool hidden) 
     m_entry = -1;
     updateRenderTarget();
     mpv_set_property_string(m_handle, kPause, "no");
+    m_paused = false;
     const QByteArray path = file.toUtf8();
     const QByteArray start =
         QStringLiteral("start=%1")
@@ -443,6 +454,12 @@ void MpvPlayer::TogglePause() {
         return;
     }
     command({"cycle", kPause});
+    // The callers read PlayState at once: take the new value now rather than at its event.
+    int paused = m_paused ? 1 : 0;
+    mpv_get_property(m_handle, kPause, MPV_FORMAT_FLAG, &paused);
+    if ((paused != 0) == m_paused) return;
+    m_paused = paused != 0;
+    if (m_events) m_events->State(m_paused ? PlayerState_Paused : PlayerState_Playing);
 }
 
 void MpvPlayer::Stop(bool hard) {

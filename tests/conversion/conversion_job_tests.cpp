@@ -553,17 +553,31 @@ TEST_F(JobTest, ShutdownAfterShowsNothingAndGoesThroughTheHost) {
     EXPECT_TRUE(sink.forms.isEmpty());
 }
 
-TEST_F(JobTest, GuardedEventsAreIgnored) {
+TEST_F(JobTest, GuardedEventsStandStillAndEndsWaitForTheWindowToClose) {
     startWithOutputs(2);
-    for (bool* flag : {&EditWindowOpen, &PlayerWindowOpen, &Closing}) {
+    int task = 0;
+    for (bool* flag : {&EditWindowOpen, &PlayerWindowOpen}) {
         *flag = true;
-        encoder.progress(0, 500, 1000);
-        encoder.terminate(0, true);
-        encoder.terminate(-1, false);
+        encoder.progress(task, 500, 1000);
+        encoder.terminate(task++, true);
+        converter.Release_HeldEvents(); // still open: nothing moves
+        EXPECT_EQ(status(0), "");
+        EXPECT_EQ(converter.Get_ConversionState(), Conversion_Converting);
         *flag = false;
     }
-    EXPECT_EQ(status(0), "");
+    converter.Release_HeldEvents(); // closed: the ends are handled in their order
+    EXPECT_NE(status(0), "");
+    EXPECT_NE(status(1), "");
+    // Closing drops events for good.
+    Closing = true;
+    encoder.terminate(-1, false);
+    Closing = false;
+    converter.Release_HeldEvents();
     EXPECT_EQ(converter.Get_ConversionState(), Conversion_Converting);
+    encoder.terminate(-1, false);
+    EXPECT_EQ(converter.Get_ConversionState(), Conversion_Idle);
+    host.events.clear();
+    startWithOutputs(2);
 
     // A diagnostics run ends the queue and stops there.
     Test_Running = true;

@@ -99,12 +99,22 @@ protected:
         ASSERT_TRUE(spinUntil([&] { return player->PlayState() == PlayerState_Paused; }));
         ASSERT_TRUE(spinUntil([&] { return !player->GetFrame().isNull(); }));
     }
-    // Runs a seek or a step and gives the position that the player reports after it.
+    // Runs a seek or a step and gives the position that the player reports once it has settled: no
+    // new position for 150 ms.
     std::int64_t positionAfter(const std::function<void()>& action) {
         events.positions.clear();
         action();
         spinUntil([&] { return !events.positions.empty(); });
-        spinUntil([] { return false; }, 60);
+        std::size_t seen = 0;
+        QElapsedTimer quiet;
+        quiet.start();
+        spinUntil([&] {
+            if (events.positions.size() != seen) {
+                seen = events.positions.size();
+                quiet.restart();
+            }
+            return quiet.elapsed() > 150;
+        });
         return player->PositionUs();
     }
 
@@ -248,6 +258,7 @@ TEST_F(PlayerTest, TheSurfaceGetsFramesAtItsSizeWithTheAspectAsked) {
 
     player->Stop(true);
     ASSERT_TRUE(spinUntil([&] { return surface.clears > 0; }));
+    player->setVideoWindow(nullptr);
 }
 
 TEST_F(PlayerTest, BadInputGivesItsReasonOrPlaysWithoutHanging) {
