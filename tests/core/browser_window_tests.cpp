@@ -11,15 +11,19 @@
 #include "FileList_Mods.h"
 #include "FileViewMain.h"
 #include "Globals.h"
+#include "MediaPlayer_Mod.h"
+#include "MpvPlayer.h"
 #include "Open_Folder.h"
 #include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Report_List.h"
 #include "Skin_Theme.h"
 #include "Sub_Main.h"
+#include "VideoSurface.h"
 #include "frmFormatSetting.h"
 #include "frmMain.h"
 #include "frmMain_Host.h"
+#include "frmPlayer.h"
 #include "frmReportList.h"
 #include "mMain.h"
 
@@ -39,6 +43,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSlider>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -146,7 +151,9 @@ protected:
 
     // A loaded window whose start-up timer has run.
     std::unique_ptr<frmMain> loadedWindow() {
-        auto w = std::make_unique<frmMain>(seams);
+        MpvPlayerOptions silent;
+        silent.audioOutput = QStringLiteral("null");
+        auto w = std::make_unique<frmMain>(seams, nullptr, nullptr, std::make_unique<MpvPlayer>(silent));
         w->Form_Load();
         w->resize(1200, 800);
         w->show();
@@ -712,4 +719,70 @@ TEST_F(BrowserWindow, ThemeSwitchRestylesAndKeepsTheChoice) {
     Theme_SetSheetRoot(QStringLiteral(":/skin/"));
     Theme_ShowFailure(Apply_Theme(*qApp, 2));
     EXPECT_EQ(messages.size(), 1);
+}
+
+// The preview plays its row in the player window: by the button, Space, the menu and a double
+// click; the window plays, seeks, mutes, goes full screen and back, takes a snapshot, and the flag that
+// keeps the encoder's handlers still is up only while it is open.
+TEST_F(MainWindow, ThePreviewPlaysItsRowInThePlayerWindow) {
+    const QString pictures = home.make("snaps");
+    QStringList played;
+    frmMain* main = nullptr;
+    seams.playerWindow = [&](frmPlayer& p) {
+        played << p.model().fileName;
+        EXPECT_TRUE(PlayerWindowOpen);
+        if (played.size() > 1) { // the window's first press of Play, then it closes
+            EXPECT_TRUE(waitFor([&] { return !p.model().timers.WaitToPlay; }, 3000));
+            return;
+        }
+        PlayerWindow& m = p.model();
+        ASSERT_TRUE(waitFor([&] { return m.buttons.playTag == "Pause" && p.playBar()->isEnabled(); }, 5000));
+        ASSERT_TRUE(waitFor([&] { return p.picPreview()->framesShown() > 0; }, 5000));
+        EXPECT_EQ(p.timeLabel()->parentWidget(), p.panel());
+        p.button(0)->click(); // pause
+        EXPECT_EQ(m.buttons.playImage, "img_player_play");
+        m.ProgressBar_Play_Change(m.panel.barMax / 2); // seek to the middle, half a second
+        ASSERT_TRUE(
+            waitFor([&] { return p.timeLabel()->property("tag").toString() == "00:00:00.500"; }, 3000))
+            << p.timeLabel()->property("tag").toString().toStdString();
+        p.button(2)->click();
+        EXPECT_TRUE(main->media().player().Mute());
+        p.picPreview()->doubleClicked();
+        EXPECT_TRUE(m.fullScreen);
+        EXPECT_EQ(p.playerMenu()->actions().value(0)->text(), "Exit full screen");
+        p.picPreview()->doubleClicked();
+        EXPECT_EQ(p.playerMenu()->actions().value(0)->text(), "Full Screen");
+        m.saveDialog = [&](const QString& name, const QString&, int& index) {
+            index = 2;
+            return pictures + name;
+        };
+        p.button(4)->click();
+        EXPECT_TRUE(QFileInfo::exists(pictures + "Snapshot-00.00.00.500.jpg"))
+            << messages.join('|').toStdString();
+    };
+    auto w = loadedWindow();
+    main = w.get();
+    addClips(*w, 2);
+    w->fileList()->view()->selectRow(0);
+    ASSERT_TRUE(waitFor([&] { return w->playPreviewButton()->isVisible(); }, 2000));
+    w->playPreviewButton()->click();
+    EXPECT_FALSE(PlayerWindowOpen);
+    EXPECT_EQ(Path_Capture, pictures);
+
+    QTest::keyClick(w->fileList()->view(), Qt::Key_Space);
+    w->previewMenu()->actions().value(0)->trigger();
+    QTableView* view = w->fileList()->view();
+    const QRect format = view->visualRect(view->model()->index(0, 2));
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, format.center());
+    EXPECT_EQ(played.size(), 4);
+    EXPECT_EQ(played.value(0), nextChoice.value(0));
+    EXPECT_EQ(played.filter(nextChoice.value(0)).size(), 4);
+
+    // A file that went away: its name and "File not found!", and the window closes cleanly.
+    w->fileList()->view()->selectRow(1);
+    ASSERT_TRUE(QFile::remove(nextChoice.value(1)));
+    messages.clear();
+    w->playPreviewButton()->click();
+    EXPECT_EQ(messages, QStringList{nextChoice.value(1) + "\nFile not found!"});
+    EXPECT_FALSE(PlayerWindowOpen);
 }
