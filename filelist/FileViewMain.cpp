@@ -118,6 +118,8 @@ QString State_IconName(int image) {
         return QStringLiteral("ready");
     case 13:
         return QStringLiteral("canceled");
+    case 14:
+        return QStringLiteral("edited");
     default:
         return QString();
     }
@@ -242,6 +244,16 @@ void FileViewMain::setIcon(int row, int image) {
     changed(row, FileCol::Icon);
 }
 
+int FileViewMain::editMark(int row) const {
+    return valid(row, 0) ? m_rows.at(row).editMark : 0;
+}
+
+void FileViewMain::setEditMark(int row, int image) {
+    if (!valid(row, 0)) return;
+    m_rows[row].editMark = image;
+    changed(row, FileCol::Duration);
+}
+
 void FileViewMain::setProgress(int row, const RowProgress& progress) {
     if (!valid(row, 0)) return;
     m_rows[row].progress = progress;
@@ -321,6 +333,7 @@ QVariant FileViewMain::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole:
         return c == FileCol::Icon ? QVariant(Qt::AlignCenter) : QVariant();
     case IconRole:
+        if (c == FileCol::Duration) return item.editMark;
         return c == FileCol::Icon ? QVariant(item.icon) : QVariant();
     case IconNameRole:
         return c == FileCol::Icon ? QVariant(State_IconName(item.icon)) : QVariant();

@@ -111,7 +111,7 @@ enum RowState : int {
     State_Canceled = 4
 };
 // Role name of an icon image for the view's icon set: "" for 0, "converting-1" .. "converting-9",
-// "done" (10), "failed" (11), "ready" (12), "canceled" (13).
+// "done" (10), "failed" (11), "ready" (12), "canceled" (13), "edited" (14, the edit mark).
 QString State_IconName(int image);
 
 // What a view needs to paint the status cell's progress bar instead of parsing the mark-up.
@@ -139,7 +139,8 @@ struct FileCell {
 
 struct FileRow {
     std::array<FileCell, FileCol::Count> cells;
-    int icon = 0; // state image of column 0
+    int icon = 0;     // state image of column 0
+    int editMark = 0; // image beside the length in column 3: 14 once the edit window changed the row
     RowProgress progress;
 };
 
@@ -174,6 +175,8 @@ public:
     bool boolValue(int row, int column) const;
     std::int32_t color(int row, int column) const;
     int icon(int row) const;
+    int editMark(int row) const;
+    void setEditMark(int row, int image);
     RowProgress progress(int row) const;
 
     void setText(int row, int column, const QString& text); // a write to Status ends its progress bar

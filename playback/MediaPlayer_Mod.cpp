@@ -191,6 +191,24 @@ void Volume_Change(MediaPlayer& media, PlayerButtons& buttons, int value) {
     buttons.muteImage = buttons.volume == 0 ? QStringLiteral("img_vol_off") : QStringLiteral("img_vol_on");
 }
 
+void AudioSubTitle_Choose(MediaPlayer& media, const PlayerOptions& options, int combo, const QString& text) {
+    const int id = Parse_IntOr(text.section(QLatin1Char(':'), 0, 0).trimmed(), -1);
+    FFPlayer& player = media.player();
+    if (combo == 0) {
+        player.setAudioStream(id);
+        return;
+    }
+    const std::int64_t kept = media.PlayPosition;
+    media.Player_Command(PlayerMode_Stop, {});
+    PlayerOptions o = options;
+    o.Position = kept;
+    o.SubtitleStream = id;
+    media.Player_Command(PlayerMode_OpenAndPlay, o);
+    player.setSubtitleEnable(1);
+    player.setSubtitleStream(id);
+    player.Seek(kept);
+}
+
 QString Snapshot_Name(const QString& playTimeTag) {
     QString position = playTimeTag;
     return QStringLiteral("Snapshot-") + position.replace(QLatin1Char(':'), QLatin1Char('.'));

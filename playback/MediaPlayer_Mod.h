@@ -114,6 +114,10 @@ void Mute_Click(MediaPlayer& media, PlayerButtons& buttons);
 // A change of Slider_MPVolume.
 void Volume_Change(MediaPlayer& media, PlayerButtons& buttons, int value);
 
+// Combo_AudioSubTitle: 0 chooses the audio stream, 1 the subtitle stream, by the number the entry
+// begins with ("2: eng, aac" or "2"). A subtitle stream takes effect from a new start at the same place.
+void AudioSubTitle_Choose(MediaPlayer& media, const PlayerOptions& options, int combo, const QString& text);
+
 // "Snapshot-" and the position shown, each ":" made "." ("Snapshot-00.01.02.500").
 QString Snapshot_Name(const QString& playTimeTag);
 // Saves a frame of the player (GetFrame, taken when the user asked) into `target` in the type of

@@ -127,23 +127,7 @@ void PlayerWindow::Slider_MPVolume_Change(int value) {
 }
 
 void PlayerWindow::Combo_AudioSubTitle_Click(int combo, const QString& text) {
-    // The entries begin with the stream's number ("2: eng, aac").
-    const int id = Parse_IntOr(text.section(QLatin1Char(':'), 0, 0).trimmed(), -1);
-    FFPlayer& player = m_media.player();
-    if (combo == 0) {
-        player.setAudioStream(id);
-        return;
-    }
-    // A subtitle stream takes effect from a new start at the same place.
-    const std::int64_t kept = m_media.PlayPosition;
-    m_media.Player_Command(PlayerMode_Stop, {});
-    PlayerOptions o = options();
-    o.Position = kept;
-    o.SubtitleStream = id;
-    m_media.Player_Command(PlayerMode_OpenAndPlay, o);
-    player.setSubtitleEnable(1);
-    player.setSubtitleStream(id);
-    player.Seek(kept);
+    AudioSubTitle_Choose(m_media, options(), combo, text);
 }
 
 void PlayerWindow::Layout(int windowHeight, int panelHeight) {
