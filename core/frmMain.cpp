@@ -11,6 +11,7 @@
 #include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
+#include "frmEditVideo.h"
 #include "frmFormatSetting.h"
 #include "frmMain_Host.h"
 #include "frmPlayer.h"
@@ -176,7 +177,7 @@ QWidget* frmMain::buildToolbar() {
         {Btn_Add, "Add Files", "img_addfile", "Add video files to the list (Ctrl+O)"},
         {Btn_Remove, "Remove", "img_removefile", "Remove the selected files (Delete)"},
         {Btn_RemoveAll, "Clear", "img_clearall", "Remove all files (Shift+Delete)"},
-        {Btn_Edit, "Edit", "img_edit", "Trim, crop and adjust the selected file"},
+        {Btn_Edit, "Edit", "img_edit", "Trim, crop, adjust and add effects to the selected file (Ctrl+E)"},
         {Btn_Disc, "DVD", "img_add_dvd", "Add the titles of a DVD"},
         {Btn_Rename, "Rename", "img_rename_all", "Rename the output files"},
     };
@@ -187,9 +188,8 @@ QWidget* frmMain::buildToolbar() {
         Cmd_FileListView[d.index] = b;
         row->addWidget(b);
     }
-    // The edit window and the disc source come with their own windows.
-    for (int index : {Btn_Edit, Btn_Disc})
-        Cmd_FileListView[index]->hide();
+    // The disc source comes with its own window.
+    Cmd_FileListView[Btn_Disc]->hide();
     row->addStretch(1);
 
     auto* menuButton = new QToolButton;
@@ -503,6 +503,32 @@ void frmMain::Cmd_PlayPreview_Click() {
     activateWindow();
     // What the encoder said while the window was open is handled now.
     m_converter->Release_HeldEvents();
+    syncConversionViews();
+}
+
+void frmMain::Cmd_Edit_Click() {
+    if (Get_ConversionState() != Conversion_Idle || PlayerWindowOpen || EditWindowOpen) return;
+    const QList<int> selected = m_table.selectedRows();
+    if (selected.size() != 1) return;
+    const int row = selected.first();
+    EditWindowOpen = true;
+    {
+        frmEditVideo window(m_table, *m_media, row, this);
+        if (m_seams.editWindow) {
+            window.show();
+            m_seams.editWindow(window);
+            window.close();
+        } else {
+            window.exec();
+        }
+    }
+    EditWindowOpen = false;
+    activateWindow();
+    m_converter->Release_HeldEvents();
+    if (row < m_table.rows()) {
+        m_table.setSelectedRows({row});
+        Show_InputFileInfo(row);
+    }
     syncConversionViews();
 }
 

@@ -43,6 +43,7 @@ namespace morvane {
 class FileListView;
 class MediaPlayer;
 class frmPlayer;
+class frmEditVideo;
 class frmReportList;
 class frmFormatSetting;
 class OutputBrowserView;
@@ -58,6 +59,8 @@ struct MainSeams {
     std::function<void(int code)> exitProcess;                      // the hard end of Form_Unload
     // The player window, shown; without it the window runs modally until it closes.
     std::function<void(frmPlayer& window)> playerWindow;
+    // The edit window, shown; likewise.
+    std::function<void(frmEditVideo& window)> editWindow;
 };
 
 class frmMain : public QMainWindow {
@@ -86,6 +89,8 @@ public:
     void mnuFileList_Click(int index);
     // The preview's Play button: the row of the information panel in the player window.
     void Cmd_PlayPreview_Click();
+    // Button 8: the edit window on the one selected row; with none or several it does nothing.
+    void Cmd_Edit_Click();
     // The theme menu: 1 Light, 2 Dark.
     void mnutheme_Click(int index);
 

@@ -106,9 +106,9 @@ void frmMain::buildMenus() {
     // The list's context menu; its item indexes count the separators.
     mnuFileList = new QMenu(this);
     const std::pair<int, const char*> listEntries[] = {
-        {1, "Open file location..."}, {5, "Remove"}, {6, "Remove All"}, {8, "Rename..."}};
+        {1, "Open file location..."}, {3, "Edit..."}, {5, "Remove"}, {6, "Remove All"}, {8, "Rename..."}};
     for (auto [index, text] : listEntries) {
-        if (index == 5 || index == 8) mnuFileList->addSeparator();
+        if (index == 3 || index == 5 || index == 8) mnuFileList->addSeparator();
         QAction* a = mnuFileList->addAction(QString::fromLatin1(text));
         a->setObjectName(QStringLiteral("mnuFileList_%1").arg(index));
         connect(a, &QAction::triggered, this, [this, i = index] { mnuFileList_Click(i); });
@@ -120,6 +120,9 @@ void frmMain::buildMenus() {
     QAction* play = mnuPreview->addAction(QStringLiteral("Play"));
     play->setObjectName(QStringLiteral("mnuPreview_1"));
     connect(play, &QAction::triggered, this, [this] { Cmd_PlayPreview_Click(); });
+    QAction* edit = mnuPreview->addAction(QStringLiteral("Edit..."));
+    edit->setObjectName(QStringLiteral("mnuPreview_2"));
+    connect(edit, &QAction::triggered, this, [this] { Cmd_FileListView_Click(Btn_Edit); });
     mnuPreview->addSeparator();
     QAction* remove = mnuPreview->addAction(QStringLiteral("Remove"));
     connect(remove, &QAction::triggered, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
@@ -161,6 +164,10 @@ void frmMain::setupConnections() {
     auto* start = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return), this);
     connect(start, &QShortcut::activated, this, [this] {
         if (Cmd_FileListView[Btn_Convert]->isEnabled()) Cmd_FileListView_Click(Btn_Convert);
+    });
+    auto* edit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_E), this);
+    connect(edit, &QShortcut::activated, this, [this] {
+        if (Cmd_FileListView[Btn_Edit]->isEnabled()) Cmd_FileListView_Click(Btn_Edit);
     });
     auto* selectAll = new QShortcut(QKeySequence::SelectAll, this);
     connect(selectAll, &QShortcut::activated, this, [this] {
@@ -210,6 +217,9 @@ void frmMain::Cmd_FileListView_Click(int index) {
         break;
     case Btn_Search:
         showSearch();
+        break;
+    case Btn_Edit:
+        Cmd_Edit_Click();
         break;
     case Btn_Rename:
         if (Get_ConversionState() != Conversion_Idle) return;
@@ -439,6 +449,9 @@ void frmMain::mnuFileList_Click(int index) {
                     false);
         break;
     }
+    case 3:
+        Cmd_FileListView_Click(Btn_Edit);
+        break;
     case 5:
         Cmd_FileListView_Click(Btn_Remove);
         break;

@@ -416,6 +416,11 @@ QIcon Skin_StateIcon(int image) {
         return cachedGlyph(QStringLiteral("state13"),
                            QStringLiteral("<circle cx='12' cy='12' r='8.5'/><path d='M6 6l12 12'/>"),
                            Tone::Orange);
+    case 14: // the edit mark: a pencil
+        return cachedGlyph(
+            QStringLiteral("state14"),
+            QStringLiteral("<path d='M5 19l1-4L15.5 5.5l3 3L9 18z'/><path d='M13.5 7.5l3 3'/>"),
+            Tone::Accent);
     default:
         return {};
     }

@@ -23,7 +23,7 @@ QIcon Skin_Icon(const QString& role);
 QPixmap Skin_Picture(const QString& role, QSize size);
 
 // The list's state icons by image number: 1..9 the running cycle, 10 done, 11 failed, 12 ready,
-// 13 canceled; 0 and anything else is an empty icon.
+// 13 canceled, 14 the edit mark; 0 and anything else is an empty icon.
 QIcon Skin_StateIcon(int image);
 
 // Icons of the shared icon store by number: 5 Convert Now, 7 Pause, 34 Resume, 10 the failure

@@ -313,6 +313,7 @@ void EditVideo::Form_Unload() {
 }
 
 void EditVideo::clearPreviews() {
+    // The last frame itself stays, so that the crop rectangle still has a picture under it.
     for (QImage& picture : Pic_Preview)
         picture = QImage();
 }
@@ -320,7 +321,8 @@ void EditVideo::clearPreviews() {
 void EditVideo::Cmd_Player_Click(int index) {
     switch (index) {
     case 0:
-        playFrom(m_media.PlayPosition);
+        // After a stop or the end of the file, play starts again at the selection's start.
+        playFrom(buttons.playTag == QLatin1String("Pause") ? m_media.PlayPosition : trim.TrimStart);
         break;
     case 1:
         Stop_Click(m_media, buttons);
@@ -409,6 +411,7 @@ void EditVideo::Timer_GetPreview_Tick() {
     if (CurrentTab < 0 || CurrentTab >= kTabs) return;
     const QImage frame = m_media.player().GetFrame();
     if (frame.isNull()) return; // a stopped player has no frame: the picture stays as it was
+    Pic_CaptureTmp = frame;
     QImage& picture = Pic_Preview[static_cast<std::size_t>(CurrentTab)];
     if (Draw_PreviewFrame(crop, frame, previewFrame.size(), SourceAspect, effects.Txt_EffectsStr, picture,
                           m_frameSeed++))

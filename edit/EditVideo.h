@@ -78,9 +78,10 @@ public:
     CropInfo cropInfo;
     // The player's frame as the output will show it, for each tab; null until a frame is drawn.
     std::array<QImage, kTabs> Pic_Preview;
-    QSize previewSize;  // picPreview's scale size: the crop rectangle's bounds
-    QRect outputShape;  // the output frame's 16:9 shape inside the preview area
-    QRect previewFrame; // Pic_PreviewFrame: where the drawn output sits in the preview area
+    QImage Pic_CaptureTmp; // the last frame as the player gave it: the crop tab draws its rectangle on it
+    QSize previewSize;     // picPreview's scale size: the crop rectangle's bounds
+    QRect outputShape;     // the output frame's 16:9 shape inside the preview area
+    QRect previewFrame;    // Pic_PreviewFrame: where the drawn output sits in the preview area
 
     struct Timers {
         bool WaitToPlay = false;

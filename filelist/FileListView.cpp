@@ -156,6 +156,17 @@ public:
             icon.paint(painter, target.intersected(opt.rect), Qt::AlignCenter);
             return;
         }
+        // The edit mark stands before the length of an edited row.
+        if (index.column() == FileCol::Duration && icons) {
+            const int mark = index.data(FileViewMain::IconRole).toInt();
+            if (mark > 0) {
+                opt.icon = icons(mark);
+                opt.features |= QStyleOptionViewItem::HasDecoration;
+                opt.decorationSize = QSize(kIconSize - 4, kIconSize - 4);
+            }
+            style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);
+            return;
+        }
         if (index.column() == FileCol::Status && index.data(FileViewMain::ProgressActiveRole).toBool()) {
             opt.text.clear();
             style->drawControl(QStyle::CE_ItemViewItem, &opt, painter, widget);

@@ -7,6 +7,8 @@
 #include "TempHome.h"
 #include "WaitFor.h"
 
+#include "EditWidgets.h"
+#include "Effects_Mods.h"
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "FileViewMain.h"
@@ -20,6 +22,7 @@
 #include "Skin_Theme.h"
 #include "Sub_Main.h"
 #include "VideoSurface.h"
+#include "frmEditVideo.h"
 #include "frmFormatSetting.h"
 #include "frmMain.h"
 #include "frmMain_Host.h"
@@ -785,4 +788,106 @@ TEST_F(MainWindow, ThePreviewPlaysItsRowInThePlayerWindow) {
     w->playPreviewButton()->click();
     EXPECT_EQ(messages, QStringList{nextChoice.value(1) + "\nFile not found!"});
     EXPECT_FALSE(PlayerWindowOpen);
+}
+
+// A row edited as a user would: trimmed to 2 s .. 5 s, cut to 4:3 with the crop rectangle's handles,
+// set into the 16:9 preset by "PanScan" and toned by "Sepia"; the output shows exactly that. The edit
+// window opens for one selected row only.
+TEST_F(MainWindow, AnEditedRowConvertsAsItsPreviewShowed) {
+    // White with red bars at both sides (cut by the crop) and a blue band at the top (cut by PanScan).
+    const QString source = media.filePath(QStringLiteral("edit.mp4"));
+    QProcess ffmpeg;
+    ffmpeg.start("ffmpeg",
+                 {"-nostdin", "-loglevel", "error", "-y", "-f", "lavfi", "-i",
+                  "color=c=white:s=320x180:r=25:d=8,drawbox=x=0:y=0:w=40:h=180:c=red:t=fill,"
+                  "drawbox=x=280:y=0:w=40:h=180:c=red:t=fill,drawbox=x=0:y=0:w=320:h=12:c=blue:t=fill",
+                  "-c:v", "mpeg4", "-q:v", "2", source});
+    ASSERT_TRUE(ffmpeg.waitForFinished(60000) && ffmpeg.exitCode() == 0);
+
+    int opened = 0;
+    seams.editWindow = [&](frmEditVideo& e) {
+        ++opened;
+        EditVideo& m = e.model();
+        ASSERT_TRUE(waitFor([&] { return m.Activated && !m.timers.WaitToPlay; }, 5000));
+        m.trim.TrimStart = 2'000'000;
+        m.trim.TrimEnd = 5'000'000;
+        m.trim.Set_TrimPoints(m.trim.BarMax / 4, m.trim.BarMax * 5 / 8, true, false, false);
+        EXPECT_EQ(m.trim.lbl_SelectedTimeTag, "3.00");
+
+        e.tabButton(1)->click();
+        const QRect picture = e.preview()->pictureRect();
+        ASSERT_EQ(picture.size(), QSize(640, 360));
+        const auto drag = [&](QPoint from, QPoint to) {
+            QTest::mousePress(e.preview(), Qt::LeftButton, {}, picture.topLeft() + from);
+            for (int i = 1; i <= 4; ++i)
+                QTest::mouseMove(e.preview(), picture.topLeft() + from + (to - from) * i / 4);
+            QTest::mouseRelease(e.preview(), Qt::LeftButton, {}, picture.topLeft() + to);
+        };
+        drag({0, 180}, {80, 180});    // the left edge's handle
+        drag({640, 180}, {560, 180}); // the right edge's handle
+        EXPECT_EQ(m.crop.Crop_Canves, QRect(80, 0, 480, 360));
+        e.aspectButton(4)->click();
+        e.tabButton(2)->click();
+        e.effectButton(static_cast<int>(EffectButtonCaptions().indexOf("Sepia")))->click();
+        EXPECT_TRUE(m.effects.Txt_EffectsStr.startsWith("Sepia")) << m.effects.Txt_EffectsStr.toStdString();
+        // The live picture, once a frame is drawn: the crop's middle, warm, filling the frame.
+        ASSERT_TRUE(waitFor([&] { return !m.Pic_Preview[2].isNull(); }, 5000));
+        const QColor live = m.Pic_Preview[2].pixelColor(4, m.Pic_Preview[2].height() / 2);
+        EXPECT_GT(live.red(), live.blue() + 20);
+        EXPECT_GT(live.green(), 150) << "the red bar is cut away";
+        e.panelButton(0)->click();
+    };
+    auto w = loadedWindow();
+    nextChoice = {source, clip(QStringLiteral("other.mp4"))};
+    w->button(Btn_Add)->click();
+    ASSERT_EQ(w->table().rows(), 2);
+    w->table().setSelectedRows({0, 1});
+    w->button(Btn_Edit)->click();
+    EXPECT_EQ(opened, 0) << "two rows: the button does nothing";
+    w->table().setSelectedRows({0});
+    QApplication::setActiveWindow(w.get());
+    QTest::keyClick(w->fileList()->view(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_EQ(opened, 1);
+    EXPECT_FALSE(EditWindowOpen);
+
+    const FileViewMain& t = w->table();
+    EXPECT_EQ(t.editMark(0), kEditMarkImage);
+    EXPECT_EQ(t.editMark(1), 0);
+    EXPECT_EQ(t.text(0, FileCol::TrimStartLow) + "-" + t.text(0, FileCol::TrimEndLow), "2000000-5000000");
+    EXPECT_EQ(t.text(0, FileCol::CropLeft) + "," + t.text(0, FileCol::CropRight), "40,40");
+    EXPECT_EQ(t.text(0, FileCol::NewAspectRatio), "PanScan");
+    EXPECT_EQ(t.text(0, FileCol::Duration), "00:00:03");
+
+    w->table().setSelectedRows({0, 1});
+    w->button(Btn_Convert)->click();
+    ASSERT_TRUE(waitFor([&] { return w->converter().Get_ConversionState() == Conversion_Idle; }, 90000));
+    const QString output = t.text(0, FileCol::ConvertedFileName);
+    ASSERT_TRUE(QFileInfo::exists(output)) << messages.join('|').toStdString();
+
+    QProcess probe;
+    probe.start("ffprobe", {"-v", "error", "-select_streams", "v:0", "-count_frames", "-show_entries",
+                            "stream=width,height,nb_read_frames,r_frame_rate", "-of", "csv=p=0", output});
+    ASSERT_TRUE(probe.waitForFinished(30000));
+    const QStringList fields = QString::fromUtf8(probe.readAllStandardOutput()).trimmed().split(',');
+    ASSERT_EQ(fields.size(), 4) << fields.join(',').toStdString();
+    EXPECT_EQ(fields[0] + "x" + fields[1], "1280x720");
+    const QStringList rate = fields[2].split('/');
+    const double seconds = fields[3].toDouble() * rate.value(1).toDouble() / rate.value(0).toDouble();
+    EXPECT_NEAR(seconds, 3.0, rate.value(1).toDouble() / rate.value(0).toDouble() + 1e-6);
+
+    const QString still = media.filePath(QStringLiteral("still.png"));
+    QProcess grab;
+    grab.start("ffmpeg",
+               {"-nostdin", "-loglevel", "error", "-y", "-ss", "1", "-i", output, "-frames:v", "1", still});
+    ASSERT_TRUE(grab.waitForFinished(30000));
+    const QImage frame(still);
+    ASSERT_EQ(frame.size(), QSize(1280, 720));
+    // Every corner and the middle: the white middle of the crop in sepia, no red bar, no blue band.
+    for (const QPoint at :
+         {QPoint(8, 8), QPoint(1271, 8), QPoint(8, 711), QPoint(1271, 711), QPoint(640, 360)}) {
+        const QColor c = frame.pixelColor(at);
+        EXPECT_GT(c.red(), 200) << at.x() << ',' << at.y();
+        EXPECT_GT(c.red(), c.green()) << at.x() << ',' << at.y();
+        EXPECT_GT(c.green(), c.blue() + 15) << at.x() << ',' << at.y();
+    }
 }

@@ -118,10 +118,10 @@ TEST_F(SkinIcons, GlyphColourFollowsTheThemeAndFixedTonesDoNot) {
 }
 
 TEST_F(SkinIcons, StateIconsCycleAndMarkTheOutcome) {
-    for (int image : {0, -1, 14, 100})
+    for (int image : {0, -1, 15, 100})
         EXPECT_TRUE(Skin_StateIcon(image).isNull()) << image;
     QList<QImage> frames;
-    for (int image = 1; image <= 13; ++image) {
+    for (int image = 1; image <= 14; ++image) {
         ASSERT_FALSE(Skin_StateIcon(image).isNull()) << image;
         frames << imageOf(Skin_StateIcon(image), 24);
         EXPECT_GT(inkOf(frames.last()).count, 8) << image;
@@ -129,8 +129,8 @@ TEST_F(SkinIcons, StateIconsCycleAndMarkTheOutcome) {
     // Every frame of the cycle differs from the one before, the last from the first too.
     for (int i = 0; i < 9; ++i)
         EXPECT_NE(frames[i], frames[(i + 1) % 9]) << i + 1;
-    for (int i = 9; i < 13; ++i)
-        for (int j = i + 1; j < 13; ++j)
+    for (int i = 9; i < 14; ++i)
+        for (int j = i + 1; j < 14; ++j)
             EXPECT_NE(frames[i], frames[j]);
     const Ink done = inkOf(frames[9]), failed = inkOf(frames[10]), running = inkOf(frames[0]);
     EXPECT_GT(done.g, done.r + 60);
