@@ -214,6 +214,7 @@ void EditVideo::Cmd_Tab_Click(int index) {
     if (index < 0 || index >= kTabs) return;
     Pic_Preview[static_cast<std::size_t>(index)] = QImage();
     CurrentTab = index;
+    m_dirty = true; // as every control of the window; the opening clears it after its own press
     // The crop labels follow the rectangle only while its tab shows.
     timers.GetCropInfo = index == 1;
     if (index == 1) Timer_GetCropInfo_Tick();
@@ -341,6 +342,7 @@ void EditVideo::Cmd_Player_Click(int index) {
     default:
         return;
     }
+    m_dirty = true;
     notify();
 }
 
