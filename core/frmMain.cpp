@@ -479,6 +479,20 @@ void frmMain::Show_InputFileInfo(int row) {
                           (picPreview->height() - Cmd_PlayPreview->sizeHint().height()) / 2);
 }
 
+namespace {
+// A modal window, or under a test's seam the window shown for the seam to drive, then closed.
+template <class Window>
+void runModal(Window& window, const std::function<void(Window&)>& seam) {
+    if (seam) {
+        window.show();
+        seam(window);
+        window.close();
+    } else {
+        window.exec();
+    }
+}
+} // namespace
+
 void frmMain::Cmd_PlayPreview_Click() {
     if (Get_ConversionState() != Conversion_Idle || PlayerWindowOpen || EditWindowOpen) return;
     if (Info_Row < 0 || Info_Row >= m_table.rows()) return;
@@ -491,13 +505,7 @@ void frmMain::Cmd_PlayPreview_Click() {
         window.model().openFolder = [this](const QString& folder) {
             Open_Folder(this, folder, false, false);
         };
-        if (m_seams.playerWindow) {
-            window.show();
-            m_seams.playerWindow(window);
-            window.close();
-        } else {
-            window.exec();
-        }
+        runModal(window, m_seams.playerWindow);
     }
     PlayerWindowOpen = false;
     activateWindow();
@@ -514,13 +522,7 @@ void frmMain::Cmd_Edit_Click() {
     EditWindowOpen = true;
     {
         frmEditVideo window(m_table, *m_media, row, this);
-        if (m_seams.editWindow) {
-            window.show();
-            m_seams.editWindow(window);
-            window.close();
-        } else {
-            window.exec();
-        }
+        runModal(window, m_seams.editWindow);
     }
     EditWindowOpen = false;
     activateWindow();

@@ -7,6 +7,7 @@
 #include "Preview_Frame.h"
 #include "Skin_Icons.h"
 #include "Slider_Ctrl.h"
+#include "Window_Timers.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -538,16 +539,11 @@ void frmEditVideo::keyPressEvent(QKeyEvent* event) {
 }
 
 void frmEditVideo::syncTimers() {
-    const std::pair<QTimer*, bool> timers[] = {{&Timer_WaitToPlay, m_model.timers.WaitToPlay},
-                                               {&Timer_GetPreview, m_model.timers.GetPreview},
-                                               {&Timer_GetCropInfo, m_model.timers.GetCropInfo},
-                                               {&Timer_PlaySelected, m_model.trim.Timer_PlaySelected}};
-    for (auto [timer, on] : timers) {
-        if (on && !timer->isActive() && isVisible())
-            timer->start();
-        else if (!on && timer->isActive())
-            timer->stop();
-    }
+    Sync_Timers({{&Timer_WaitToPlay, m_model.timers.WaitToPlay},
+                 {&Timer_GetPreview, m_model.timers.GetPreview},
+                 {&Timer_GetCropInfo, m_model.timers.GetCropInfo},
+                 {&Timer_PlaySelected, m_model.trim.Timer_PlaySelected}},
+                isVisible());
 }
 
 void frmEditVideo::showModel() {

@@ -6,6 +6,7 @@
 #include "Skin_Icons.h"
 #include "Slider_Ctrl.h"
 #include "VideoSurface.h"
+#include "Window_Timers.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -343,16 +344,11 @@ void frmPlayer::showModel() {
 }
 
 void frmPlayer::syncTimers() {
-    const std::pair<QTimer*, bool> timers[] = {{&Timer_WaitToPlay, m_model.timers.WaitToPlay},
-                                               {&Timer_GetMousePosition, m_model.timers.GetMousePosition},
-                                               {&Timer_HidePanel, m_model.timers.HidePanel},
-                                               {&Timer_Motion, m_model.timers.Motion}};
-    for (auto [timer, on] : timers) {
-        if (on && !timer->isActive() && isVisible())
-            timer->start();
-        else if (!on && timer->isActive())
-            timer->stop();
-    }
+    Sync_Timers({{&Timer_WaitToPlay, m_model.timers.WaitToPlay},
+                 {&Timer_GetMousePosition, m_model.timers.GetMousePosition},
+                 {&Timer_HidePanel, m_model.timers.HidePanel},
+                 {&Timer_Motion, m_model.timers.Motion}},
+                isVisible());
 }
 
 void frmPlayer::fillStreams() {
