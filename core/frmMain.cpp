@@ -188,8 +188,6 @@ QWidget* frmMain::buildToolbar() {
         Cmd_FileListView[d.index] = b;
         row->addWidget(b);
     }
-    // The disc source comes with its own window.
-    Cmd_FileListView[Btn_Disc]->hide();
     row->addStretch(1);
 
     auto* menuButton = new QToolButton;
@@ -363,6 +361,7 @@ void frmMain::Form_Load(const QStringList& arguments) {
     m_converter->Shutdown_After = 0;
     Closing = false;
     m_list->setDropHintVisible(false);
+    setAcceptDrops(true);
 
     Cmd_FileListView[Btn_Add]->setEnabled(false);
     Timer_StartUp.start();

@@ -9,6 +9,7 @@
 
 #include "CMD_MediaConvert.h"
 #include "Catalogue.h"
+#include "DVD_Mods.h"
 #include "EncoderEngine.h"
 #include "FFDecoder.h"
 #include "FFPlayer.h"
@@ -59,6 +60,8 @@ struct MainSeams {
     std::function<void(int code)> exitProcess;                      // the hard end of Form_Unload
     // The player window, shown; without it the window runs modally until it closes.
     std::function<void(frmPlayer& window)> playerWindow;
+    // "Load DVD Folder...": "" is Cancel.
+    std::function<QString(const QString& start)> chooseDiscFolder;
     // The edit window, shown; likewise.
     std::function<void(frmEditVideo& window)> editWindow;
 };
@@ -91,6 +94,10 @@ public:
     void Cmd_PlayPreview_Click();
     // Button 8: the edit window on the one selected row; with none or several it does nothing.
     void Cmd_Edit_Click();
+    // Button 13: the disc menu, built afresh from the drives; an entry imports its titles.
+    void Cmd_Disc_Click();
+    void mnuDisc_Click(int index);
+    QMenu* discMenu() const { return mnuDiscs; }
     // The theme menu: 1 Light, 2 Dark.
     void mnutheme_Click(int index);
 
@@ -131,6 +138,9 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     class Host;
@@ -196,6 +206,8 @@ private:
     QMenu* mnuRenameAll2 = nullptr;
     QMenu* mnutheme = nullptr;
     QMenu* mnuPreview = nullptr;
+    QMenu* mnuDiscs = nullptr;
+    QList<DiscMenuEntry> m_discMenu;
     std::array<QAction*, 15> m_menuEntries{};
     QPointer<frmWait> m_wait;
     frmReportList* m_report = nullptr;

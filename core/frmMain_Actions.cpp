@@ -2,6 +2,7 @@
 // import and the converter ask of the window.
 
 #include "Close_Main.h"
+#include "DragDrop_Mod.h"
 #include "FFPlayer.h"
 #include "FileListView.h"
 #include "FileList_Mods.h"
@@ -22,6 +23,7 @@
 #include "frmMain_Host.h"
 #include "frmMsg.h"
 #include "frmPreferences.h"
+#include "frmProperties.h"
 #include "frmRename.h"
 #include "frmReportList.h"
 #include "frmSearch.h"
@@ -37,11 +39,14 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
@@ -106,15 +111,19 @@ void frmMain::buildMenus() {
     // The list's context menu; its item indexes count the separators.
     mnuFileList = new QMenu(this);
     const std::pair<int, const char*> listEntries[] = {
-        {1, "Open file location..."}, {3, "Edit..."}, {5, "Remove"}, {6, "Remove All"}, {8, "Rename..."}};
+        {1, "Open file location..."}, {3, "Edit..."}, {5, "Remove"}, {6, "Remove All"}, {8, "Rename..."},
+        {11, "Properties..."}};
     for (auto [index, text] : listEntries) {
-        if (index == 3 || index == 5 || index == 8) mnuFileList->addSeparator();
+        if (index == 3 || index == 5 || index == 8 || index == 11) mnuFileList->addSeparator();
         QAction* a = mnuFileList->addAction(QString::fromLatin1(text));
         a->setObjectName(QStringLiteral("mnuFileList_%1").arg(index));
         connect(a, &QAction::triggered, this, [this, i = index] { mnuFileList_Click(i); });
     }
     QAction* renameAll = mnuFileList->addMenu(mnuRenameAll);
     renameAll->setObjectName(QStringLiteral("mnuFileList_9"));
+    // "Rename All" stands with the renames, before the properties.
+    mnuFileList->removeAction(renameAll);
+    mnuFileList->insertAction(mnuFileList->actions().at(mnuFileList->actions().size() - 2), renameAll);
 
     mnuPreview = new QMenu(this);
     QAction* play = mnuPreview->addAction(QStringLiteral("Play"));
@@ -128,6 +137,13 @@ void frmMain::buildMenus() {
     connect(remove, &QAction::triggered, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
     QAction* open = mnuPreview->addAction(QStringLiteral("Open file location..."));
     connect(open, &QAction::triggered, this, [this] { mnuFileList_Click(1); });
+    mnuDiscs = new QMenu(this);
+    mnuDiscs->setObjectName(QStringLiteral("mnuDiscs"));
+
+    mnuPreview->addSeparator();
+    QAction* properties = mnuPreview->addAction(QStringLiteral("Properties..."));
+    properties->setObjectName(QStringLiteral("mnuPreview_7"));
+    connect(properties, &QAction::triggered, this, [this] { mnuFileList_Click(11); });
 }
 
 void frmMain::setupConnections() {
@@ -220,6 +236,9 @@ void frmMain::Cmd_FileListView_Click(int index) {
         break;
     case Btn_Edit:
         Cmd_Edit_Click();
+        break;
+    case Btn_Disc:
+        Cmd_Disc_Click();
         break;
     case Btn_Rename:
         if (Get_ConversionState() != Conversion_Idle) return;
@@ -464,6 +483,13 @@ void frmMain::mnuFileList_Click(int index) {
         Rename_Selected(m_table, dialogs);
         break;
     }
+    case 11: {
+        const QList<int>& selected = m_table.selectedRows();
+        if (selected.isEmpty()) return;
+        Show_Properties(this, m_table, selected.first(),
+                        [this](const QString& path) { Open_Folder(this, path, true, false); });
+        break;
+    }
     default:
         break;
     }
@@ -682,6 +708,64 @@ void frmMain::Host::Run_Shutdown(const QString& command) {
 
 void frmMain::Host::Unload_Main() {
     w.close();
+}
+
+bool frmMain::Host::Is_Converting() {
+    return w.Get_ConversionState() != Conversion_Idle;
+}
+
+void frmMain::Host::Set_DropHintVisible(bool visible) {
+    w.m_list->setDropHintVisible(visible);
+}
+
+QString frmMain::Host::Browse_Folder(const QString& startFolder) {
+    if (w.m_seams.chooseDiscFolder) return w.m_seams.chooseDiscFolder(startFolder);
+    return QFileDialog::getExistingDirectory(&w, QStringLiteral("Choose a DVD folder (VIDEO_TS)"),
+                                             startFolder);
+}
+
+// ---- Drops and discs.
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData() && Drag_Accepts(*event->mimeData(), *m_host)) event->acceptProposedAction();
+}
+
+void frmMain::dragMoveEvent(QDragMoveEvent* event) {
+    if (event->mimeData() && Drag_Accepts(*event->mimeData(), *m_host)) event->acceptProposedAction();
+}
+
+void frmMain::dropEvent(QDropEvent* event) {
+    if (!event->mimeData() || !Drag_Accepts(*event->mimeData(), *m_host)) return;
+    const QStringList paths = Drop_LocalPaths(*event->mimeData());
+    event->acceptProposedAction();
+    // Queued: the import runs for a while with its own wait window, and the file manager should have
+    // its answer at once.
+    QMetaObject::invokeMethod(
+        this,
+        [this, paths] {
+            if (On_DropFiles(paths, m_table, *m_decoder, *m_host)) syncConversionViews();
+        },
+        Qt::QueuedConnection);
+}
+
+void frmMain::Cmd_Disc_Click() {
+    if (Get_ConversionState() != Conversion_Idle) return;
+    mnuDiscs->clear();
+    m_discMenu = Update_DiscMenu();
+    for (int i = 0; i < m_discMenu.size(); ++i) {
+        QAction* a = mnuDiscs->addAction(m_discMenu.at(i).caption);
+        a->setObjectName(QStringLiteral("mnuDisc_%1").arg(i));
+        connect(a, &QAction::triggered, this, [this, i] { mnuDisc_Click(i); });
+    }
+    QPushButton* button = Cmd_FileListView[Btn_Disc];
+    mnuDiscs->popup(button->mapToGlobal(QPoint(0, button->height())));
+}
+
+void frmMain::mnuDisc_Click(int index) {
+    if (index < 0 || index >= m_discMenu.size() || Get_ConversionState() != Conversion_Idle) return;
+    const DiscChoice result = Run_DiscChoice(m_discMenu.at(index), *m_host, m_table, *m_decoder, *m_host);
+    if (result == DiscChoice::NoSource || result == DiscChoice::Imported) m_list->setDropHintVisible(false);
+    syncConversionViews();
 }
 
 QStringList frmMain::Host::Show_Open(const OpenDialogRequest& request) {

@@ -2,6 +2,7 @@
 // panel, the wait window, the preview picture and the end-of-queue windows.
 #pragma once
 
+#include "DragDrop_Mod.h"
 #include "Import_Files.h"
 #include "Library_List.h"
 #include "VideoConverter_Mods.h"
@@ -9,7 +10,7 @@
 
 namespace morvane {
 
-class frmMain::Host : public ConversionHost, public ImportHost, public FileDialog {
+class frmMain::Host : public ConversionHost, public DropHost, public FileDialog, public DiscFolderDialog {
 public:
     explicit Host(frmMain& window) : w(window) {}
 
@@ -41,8 +42,13 @@ public:
     void Wait_Show(int maximum) override;
     void Wait_Step(const QString& fileNo, const QString& file, int value) override;
 
-    // ---- FileDialog: the Add dialog.
+    // ---- DropHost.
+    bool Is_Converting() override;
+    void Set_DropHintVisible(bool visible) override;
+
+    // ---- FileDialog: the Add dialog; DiscFolderDialog: "Load DVD Folder...".
     QStringList Show_Open(const OpenDialogRequest& request) override;
+    QString Browse_Folder(const QString& startFolder) override;
 
     // The merge's wait window ("Finalizing Progress...").
     void Merge_Wait(bool show);

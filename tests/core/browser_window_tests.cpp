@@ -35,12 +35,14 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
@@ -890,4 +892,33 @@ TEST_F(MainWindow, AnEditedRowConvertsAsItsPreviewShowed) {
         EXPECT_GT(c.red(), c.green()) << at.x() << ',' << at.y();
         EXPECT_GT(c.green(), c.blue() + 15) << at.x() << ',' << at.y();
     }
+}
+
+// Local files dropped on the window are imported, other links passed over; the disc button's menu
+// starts with the folder choice, whose folder without titles is said to hold no DVD video.
+TEST_F(MainWindow, DropsAndTheDiscMenuImport) {
+    QString chosenDisc;
+    seams.chooseDiscFolder = [&](const QString&) { return chosenDisc; };
+    auto w = loadedWindow();
+    const QString a = clip(QStringLiteral("dropped a.mp4"));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(a), QUrl(QStringLiteral("https://example.org/x.mp4"))});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(w.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(w.get(), &drop);
+    ASSERT_TRUE(waitFor([&] { return w->table().rows() == 1; }, 20000));
+    EXPECT_EQ(w->table().text(0, FileCol::FileName), QStringLiteral("dropped a.mp4"));
+
+    w->button(Btn_Disc)->click();
+    const QList<QAction*> entries = w->discMenu()->actions();
+    ASSERT_FALSE(entries.isEmpty());
+    EXPECT_EQ(entries.first()->text(), QStringLiteral("Load DVD Folder..."));
+    chosenDisc = home.make("not-a-disc");
+    messages.clear();
+    entries.first()->trigger();
+    EXPECT_EQ(messages, QStringList{QStringLiteral("There is no DVD video source.")});
+    w->discMenu()->close();
+    EXPECT_EQ(w->table().rows(), 1);
 }
