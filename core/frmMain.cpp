@@ -1,6 +1,7 @@
 #include "frmMain.h"
 
 #include "Catalogue_Load.h"
+#include "Command_Load.h"
 #include "FFEncoderEngine.h"
 #include "FileListView.h"
 #include "FileList_Mods.h"
@@ -336,7 +337,7 @@ QAction* frmMain::menuEntry(int index) const {
 // ---- Load.
 
 void frmMain::Form_Load(const QStringList& arguments) {
-    if (!arguments.isEmpty()) TxtCommand_FirstTime = arguments.first();
+    Parse_CommandLine(arguments);
     setWindowTitle(COMPANY_NAME + QLatin1Char(' ') + PRODUCT_NAME);
     Load_Settings();
     const QList<QAction*> themes = mnutheme->actions();
@@ -369,9 +370,7 @@ void frmMain::Form_Load(const QStringList& arguments) {
 
 void frmMain::Timer_StartUp_Tick() {
     Timer_StartUp.stop();
-    if (!TxtCommand_FirstTime.isEmpty()) {
-        importFiles(TxtCommand_FirstTime);
-    } else {
+    if (!Command_StartUp(*m_host)) {
         // A moment on top brings the window to the front.
         raise();
         activateWindow();
@@ -511,6 +510,24 @@ void frmMain::Cmd_PlayPreview_Click() {
     // What the encoder said while the window was open is handled now.
     m_converter->Release_HeldEvents();
     syncConversionViews();
+}
+
+void frmMain::Mailbox_Changed(const QString& received) {
+    if (received.isEmpty()) return;
+    const QString text = Trim_Spaces(received);
+    if (isMinimized()) showNormal();
+    // On top for the while of the order, so that its messages and the list are seen.
+    const bool wasOnTop = windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    raise();
+    activateWindow();
+    QCoreApplication::processEvents();
+    if (!text.isEmpty()) {
+        TxtCommand_LoadingTime = text;
+        Process_Command(text, *m_host);
+        syncConversionViews();
+    }
+    QCoreApplication::processEvents();
+    if (!wasOnTop) activateWindow();
 }
 
 void frmMain::Cmd_Edit_Click() {

@@ -94,6 +94,11 @@ public:
     void Cmd_PlayPreview_Click();
     // Button 8: the edit window on the one selected row; with none or several it does nothing.
     void Cmd_Edit_Click();
+    // The command channel's mailbox: a text handed over by a second start or a sibling program. The
+    // window comes to the front; a text other than blanks runs as a command.
+    void Mailbox_Changed(const QString& received);
+    QString TxtCommand_LoadingTime;
+
     // Button 13: the disc menu, built afresh from the drives; an entry imports its titles.
     void Cmd_Disc_Click();
     void mnuDisc_Click(int index);
@@ -214,7 +219,6 @@ private:
 
     QTimer Timer_StartUp;
     QTimer Timer_ConversionElapsed;
-    QString TxtCommand_FirstTime;
     bool m_startUpDone = false;
     bool m_trayRequested = false;
     bool m_unloaded = false;

@@ -525,6 +525,7 @@ bool frmMain::Form_QueryUnload() {
 }
 
 void frmMain::Form_Unload() {
+    Timer_GetActiveForm_Stop();
     if (m_unloaded) return;
     m_unloaded = true;
     Clear_TempPictures();
@@ -708,6 +709,50 @@ void frmMain::Host::Run_Shutdown(const QString& command) {
 
 void frmMain::Host::Unload_Main() {
     w.close();
+}
+
+bool frmMain::Host::Main_Enabled() {
+    return w.isEnabled() && !EditWindowOpen && !PlayerWindowOpen && !QApplication::activeModalWidget();
+}
+
+int frmMain::Host::Get_ConversionState() {
+    return w.Get_ConversionState();
+}
+
+QList<PresetRow> frmMain::Host::Preset_Rows() {
+    return morvane::Preset_Rows(w.m_catalogue.ReportControl_PresetMain);
+}
+
+bool frmMain::Host::Preset_Select(const QString& name, const QString& maker, const QString& keyword) {
+    const bool chosen = w.m_browser.Preset_Select(name, maker, keyword);
+    w.m_browserView->redraw();
+    w.browserChanged();
+    return chosen;
+}
+
+void frmMain::Host::Import_File(const QString& path) {
+    w.importFiles(path);
+}
+
+void frmMain::Host::Remove_All() {
+    morvane::Remove_All(w.m_table);
+}
+
+void frmMain::Host::Update_Totals() {
+    morvane::Update_Totals(w.m_table);
+}
+
+int frmMain::Host::Row_Count() {
+    return w.m_table.rows();
+}
+
+void frmMain::Host::Select_FirstRow() {
+    if (w.m_table.rows() > 0) w.m_table.setSelectedRows({0});
+}
+
+quint64 frmMain::Host::Active_WindowHandle() {
+    QWidget* active = QApplication::activeWindow();
+    return active ? static_cast<quint64>(active->winId()) : 0;
 }
 
 bool frmMain::Host::Is_Converting() {

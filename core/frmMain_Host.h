@@ -2,6 +2,7 @@
 // panel, the wait window, the preview picture and the end-of-queue windows.
 #pragma once
 
+#include "Command_Load.h"
 #include "DragDrop_Mod.h"
 #include "Import_Files.h"
 #include "Library_List.h"
@@ -10,7 +11,11 @@
 
 namespace morvane {
 
-class frmMain::Host : public ConversionHost, public DropHost, public FileDialog, public DiscFolderDialog {
+class frmMain::Host : public ConversionHost,
+                      public DropHost,
+                      public CommandHost,
+                      public FileDialog,
+                      public DiscFolderDialog {
 public:
     explicit Host(frmMain& window) : w(window) {}
 
@@ -37,7 +42,6 @@ public:
     // ---- ImportHost.
     void Set_MainEnabled(bool enabled) override { w.setEnabled(enabled); }
     void Set_MainState(int state) override;
-    void Focus_Table() override { Focus_List(); }
     void Refresh_Main() override { w.update(); }
     void Wait_Show(int maximum) override;
     void Wait_Step(const QString& fileNo, const QString& file, int value) override;
@@ -45,6 +49,25 @@ public:
     // ---- DropHost.
     bool Is_Converting() override;
     void Set_DropHintVisible(bool visible) override;
+
+    // ---- CommandHost: what the command channel asks of the window.
+    int Get_ConversionState() override;
+    // A modal window (the edit and player windows among them) holds the main one as a disabled window
+    // would be held: orders then are dropped.
+    bool Main_Enabled() override;
+    QList<PresetRow> Preset_Rows() override;
+    bool Preset_Select(const QString& name, const QString& maker, const QString& keyword) override;
+    void Import_File(const QString& path) override;
+    void Remove_All() override;
+    void Update_Totals() override;
+    int Row_Count() override;
+    void Select_FirstRow() override;
+    void Focus_Table() override { Focus_List(); }
+    quint64 Main_WindowHandle() override { return static_cast<quint64>(w.winId()); }
+    quint64 Active_WindowHandle() override;
+    void Hide_DragDrop() override { Set_DropHintVisible(false); }
+    // The tray's popups come with the desktop services; until then an overlay order shows nothing.
+    void Show_TagPopup(const QString&, const QString&, const QString&, const QString&) override {}
 
     // ---- FileDialog: the Add dialog; DiscFolderDialog: "Load DVD Folder...".
     QStringList Show_Open(const OpenDialogRequest& request) override;

@@ -1,6 +1,7 @@
 // The desktop program: runs the start sequence, then lives on the main window's event loop.
 
 #include "Globals.h"
+#include "Instance_Channel.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
 #include "Skin_Theme.h"
@@ -77,8 +78,17 @@ int main(int argc, char* argv[]) {
     Load_Settings();
     Theme_ShowFailure(Apply_Theme(app, Theme_No));
 
+    // A second start hands its first argument to the running program, which shows its window and
+    // runs it, and ends here; the first start listens for such hand-overs.
+    const QStringList arguments = QApplication::arguments().mid(1);
+    Instance_Channel channel({});
+    if (channel.Find_PrevInstance(Instance_Channel::Instance_Name(PRODUCT_ID + QStringLiteral(".instance")),
+                                  arguments.value(0)))
+        return 0;
+
     frmMain window;
-    window.Form_Load(QApplication::arguments().mid(1));
+    channel.setHandler([&window](const QString& text) { window.Mailbox_Changed(text); });
+    window.Form_Load(arguments);
     window.Watch_TerminationSignals();
     window.show();
     return QApplication::exec();
