@@ -185,19 +185,7 @@ void Import_FromDisc(const DVDFileList& files, FileViewMain& table, FFDecoder& d
         host.Set_MainEnabled(true);
     }
 
-    Update_Totals(table);
-    if (table.rows() > 0) {
-        host.Set_MainState(-1);
-        table.selectRow(0);
-        host.Show_InputFileInfo(table.selectedRows().first());
-        host.Focus_Table();
-    } else {
-        host.Set_MainState(2);
-    }
-
-    host.Refresh_Main();
-    Yield_Events();
-    Report_Show(QStringLiteral("Failed"), QStringLiteral("Failed to import files!"));
+    Import_Finish(table, host);
 }
 
 DiscChoice Run_DiscChoice(const DiscMenuEntry& entry, DiscFolderDialog& dialog, FileViewMain& table,

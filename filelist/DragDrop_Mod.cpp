@@ -229,18 +229,7 @@ void Import_Dropped(FileViewMain& table, FFDecoder& decoder, ImportHost& host) {
     Yield_Events();
     host.Set_MainEnabled(true);
 
-    Update_Totals(table);
-    if (table.rows() > 0) {
-        host.Set_MainState(-1);
-        table.selectRow(0);
-        host.Show_InputFileInfo(table.selectedRows().first());
-        host.Focus_Table();
-    } else {
-        host.Set_MainState(2);
-    }
-    host.Refresh_Main();
-    Yield_Events();
-    Report_Show(QStringLiteral("Failed"), QStringLiteral("Failed to import files!"));
+    Import_Finish(table, host);
 }
 
 } // namespace morvane

@@ -46,6 +46,22 @@ QString Wait_FileNoText(int index, int count) {
            QStringLiteral(" files");
 }
 
+void Import_Finish(FileViewMain& table, ImportHost& host) {
+    Update_Totals(table);
+    if (table.rows() > 0) {
+        host.Set_MainState(-1);
+        table.selectRow(0);
+        host.Show_InputFileInfo(table.selectedRows().first());
+        host.Focus_Table();
+    } else {
+        host.Set_MainState(2);
+    }
+
+    host.Refresh_Main();
+    Yield_Events();
+    Report_Show(QStringLiteral("Failed"), QStringLiteral("Failed to import files!"));
+}
+
 void Import_Files(FileDialog& dialog, FileViewMain& table, const QString& path, FFDecoder& decoder,
                   ImportHost& host) {
     QStringList chosen;
@@ -112,19 +128,7 @@ void Import_Files(FileDialog& dialog, FileViewMain& table, const QString& path, 
         host.Set_MainEnabled(true);
     }
 
-    Update_Totals(table);
-    if (table.rows() > 0) {
-        host.Set_MainState(-1);
-        table.selectRow(0);
-        host.Show_InputFileInfo(table.selectedRows().first());
-        host.Focus_Table();
-    } else {
-        host.Set_MainState(2);
-    }
-
-    host.Refresh_Main();
-    Yield_Events();
-    Report_Show(QStringLiteral("Failed"), QStringLiteral("Failed to import files!"));
+    Import_Finish(table, host);
     Path_Input = fileName;
 }
 

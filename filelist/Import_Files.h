@@ -90,6 +90,10 @@ void Wait_CancelPressed(ImportHost& host);
 // The "I of N files" label; the last word stays plural at any count.
 QString Wait_FileNoText(int index, int count);
 
+// The end of every import (the dialog's, a drop's, a disc's): totals, the first row shown and focused
+// or the empty state, then the failure report when anything failed.
+void Import_Finish(FileViewMain& table, ImportHost& host);
+
 void Import_Files(FileDialog& dialog, FileViewMain& table, const QString& path, FFDecoder& decoder,
                   ImportHost& host);
 

@@ -22,13 +22,18 @@ wait_for() { # condition as a command, seconds
     for ((i = 0; i < $2 * 10; i++)); do eval "$1" && return 0; sleep 0.1; done
     return 1
 }
-socket_inode() { find "$XDG_RUNTIME_DIR" -type s -printf '%i\n' 2>/dev/null | head -1; }
-start_first() { # waits for a socket other than the one there before (a killed program's)
-    local old
-    old=$(socket_inode)
+# True once a program listens on the socket: a killed program's socket file refuses the connection.
+listening() {
+    local socket
+    socket=$(find "$XDG_RUNTIME_DIR" -type s 2>/dev/null | head -1)
+    [ -n "$socket" ] && python3 -c 'import socket, sys
+s = socket.socket(socket.AF_UNIX)
+s.connect(sys.argv[1])' "$socket" 2>/dev/null
+}
+start_first() {
     "$program" >"$work/first.log" 2>&1 &
     first=$!
-    wait_for '[ -n "$(socket_inode)" ] && [ "$(socket_inode)" != "$old" ]' 20
+    wait_for listening 30
 }
 
 start_first
