@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QPushButton>
+#include <QSystemTrayIcon>
 #include <QVBoxLayout>
 
 namespace morvane {
@@ -30,6 +31,12 @@ frmClose::frmClose(QWidget* parent) : QDialog(parent) {
         connect(button, &QPushButton::clicked, this, [this, i] { choose(i == 0 ? 1 : 2); });
     }
     m_buttons[0]->setDefault(true);
+    // A desktop without a tray cannot take the window there.
+    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+        m_buttons[0]->setEnabled(false);
+        m_buttons[0]->setToolTip(QStringLiteral("This desktop has no system tray"));
+        m_buttons[1]->setDefault(true);
+    }
 
     m_dontAsk = new QCheckBox(QStringLiteral("Don't ask me again."), this);
     m_dontAsk->setObjectName(QStringLiteral("Chk_DontAsk"));

@@ -515,6 +515,7 @@ void frmMain::Cmd_PlayPreview_Click() {
 void frmMain::Mailbox_Changed(const QString& received) {
     if (received.isEmpty()) return;
     const QString text = Trim_Spaces(received);
+    if (m_tray.In_Tray) Tray_Toggle();
     if (isMinimized()) showNormal();
     // On top for the while of the order, so that its messages and the list are seen.
     const bool wasOnTop = windowFlags().testFlag(Qt::WindowStaysOnTopHint);

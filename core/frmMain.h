@@ -19,6 +19,7 @@
 #include "Input_FileInfo.h"
 #include "Main_State.h"
 #include "OutputBrowser.h"
+#include "PopupTray_Mod.h"
 #include "VideoConverter_Mods.h"
 #include "frmWait.h"
 
@@ -34,6 +35,7 @@ class QAction;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QSystemTrayIcon;
 class QMenu;
 class QProgressBar;
 class QPushButton;
@@ -94,6 +96,12 @@ public:
     void Cmd_PlayPreview_Click();
     // Button 8: the edit window on the one selected row; with none or several it does nothing.
     void Cmd_Edit_Click();
+    // To the tray and back (the close conversation, the tray's menu, a second start); without a tray on
+    // the desktop the window stays.
+    void Tray_Toggle();
+    const TrayState& tray() const { return m_tray; }
+    QSystemTrayIcon* trayIcon() const { return TrayIcon; }
+
     // The command channel's mailbox: a text handed over by a second start or a sibling program. The
     // window comes to the front; a text other than blanks runs as a command.
     void Mailbox_Changed(const QString& received);
@@ -212,6 +220,13 @@ private:
     QMenu* mnutheme = nullptr;
     QMenu* mnuPreview = nullptr;
     QMenu* mnuDiscs = nullptr;
+    TrayState m_tray;
+    QSystemTrayIcon* TrayIcon = nullptr; // made on the first trip to the tray
+    QMenu* mnuTrays = nullptr;
+    QTimer Timer_TrayIcon;
+    bool m_exitRequested = false; // the tray's Exit, or a tray choice with no tray to go to
+    TrayHost trayHost();
+    void showTray();
     QList<DiscMenuEntry> m_discMenu;
     std::array<QAction*, 15> m_menuEntries{};
     QPointer<frmWait> m_wait;

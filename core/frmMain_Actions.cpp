@@ -9,6 +9,7 @@
 #include "Folders_Mods.h"
 #include "Globals.h"
 #include "Group_Pictures.h"
+#include "Instance_Channel.h"
 #include "Open_Folder.h"
 #include "OutputBrowserView.h"
 #include "Output_Names.h"
@@ -16,6 +17,7 @@
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
 #include "Skin_Theme.h"
+#include "Window_Timers.h"
 #include "frmAbout.h"
 #include "frmClose.h"
 #include "frmFormatSetting.h"
@@ -52,6 +54,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QSocketNotifier>
+#include <QSystemTrayIcon>
 #include <QTableView>
 #include <QToolButton>
 #include <QUrl>
@@ -102,6 +105,17 @@ void frmMain::buildMenus() {
         themes->addAction(a);
         connect(a, &QAction::triggered, this, [this, i = index] { mnutheme_Click(i); });
     }
+
+    // Exit always ends the program, whatever the close box is set to do (the tray, or asking).
+    mnuMenu->addSeparator();
+    QAction* exitEntry = mnuMenu->addAction(QStringLiteral("Exit"));
+    exitEntry->setObjectName(QStringLiteral("mnuExit"));
+    exitEntry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    addAction(exitEntry);
+    connect(exitEntry, &QAction::triggered, this, [this] {
+        m_exitRequested = true;
+        close();
+    });
 
     const auto runRename = [this](int operation) { renameAll(operation); };
     mnuRenameAll = Build_RenameMenu(this, QStringLiteral("mnuRenameAll"), runRename);
@@ -515,17 +529,29 @@ bool frmMain::Form_QueryUnload() {
         dialog.exec();
     };
     s.goToTray = [this] {
-        // The tray icon is not there yet: the window goes to the task bar instead.
         m_trayRequested = true;
-        showMinimized();
+        // With no tray to go to, the remembered choice would leave a window that cannot be closed.
+        if (QSystemTrayIcon::isSystemTrayAvailable())
+            Tray_Toggle();
+        else
+            m_exitRequested = true;
     };
     s.letMessagesThrough = [] { QCoreApplication::processEvents(); };
     s.shutdownAfter = m_converter->Shutdown_After;
-    return morvane::Form_QueryUnload(s);
+    if (!m_exitRequested && morvane::Form_QueryUnload(s)) return true;
+    if (!m_exitRequested) return false;
+    // Exit from the menu or the tray, or a tray choice with no tray to go to: the program ends, but
+    // a running conversion only when the user says so, as the close box's exit asks.
+    m_exitRequested = Get_ConversionState() == Conversion_Idle ||
+                      Show_Message(QString::fromLatin1(kTerminateQuestion), MB_YESNO | MB_ICONQUESTION,
+                                   QString()) == ID_YES;
+    return m_exitRequested;
 }
 
 void frmMain::Form_Unload() {
     Timer_GetActiveForm_Stop();
+    Timer_TrayIcon.stop();
+    if (TrayIcon) TrayIcon->hide();
     if (m_unloaded) return;
     m_unloaded = true;
     Clear_TempPictures();
@@ -767,6 +793,104 @@ QString frmMain::Host::Browse_Folder(const QString& startFolder) {
     if (w.m_seams.chooseDiscFolder) return w.m_seams.chooseDiscFolder(startFolder);
     return QFileDialog::getExistingDirectory(&w, QStringLiteral("Choose a DVD folder (VIDEO_TS)"),
                                              startFolder);
+}
+
+// ---- Tray.
+
+TrayHost frmMain::trayHost() {
+    TrayHost h;
+    h.title = windowTitle();
+    h.conversionState = [this] { return Get_ConversionState(); };
+    h.progressText = [this] { return ProgressBar_Total ? ProgressBar_Total->text() : QString(); };
+    h.windowHandle = [this] { return QString::number(winId()); };
+    h.mailbox = [] {
+        return Instance_Channel::Socket_Path(
+            Instance_Channel::Instance_Name(PRODUCT_ID + QStringLiteral(".instance")));
+    };
+    h.writeSetting = [](const QString& key, const QString& value) {
+        Write_Setting(REGISTRY_PRODUCT, key, value);
+    };
+    h.minimizeToTray = [this] { hide(); };
+    h.maximizeFromTray = [this] {
+        showNormal();
+        raise();
+        activateWindow();
+    };
+    return h;
+}
+
+void frmMain::Tray_Toggle() {
+    if (!m_tray.In_Tray && !QSystemTrayIcon::isSystemTrayAvailable()) return;
+    if (!TrayIcon) {
+        TrayIcon = new QSystemTrayIcon(this);
+        mnuTrays = new QMenu(this);
+        mnuTrays->setObjectName(QStringLiteral("mnuTrays"));
+        connect(mnuTrays->addAction(QStringLiteral("Show Window")), &QAction::triggered, this, [this] {
+            if (m_tray.In_Tray) Tray_Toggle();
+        });
+        connect(mnuTrays->addAction(QStringLiteral("Show Conversion Preview")), &QAction::triggered, this,
+                [this] {
+                    if (m_tray.In_Tray) Tray_Toggle();
+                    if (Info_Row >= 0) Show_InputFileInfo(Info_Row);
+                });
+        mnuTrays->addSeparator();
+        connect(mnuTrays->addAction(QStringLiteral("Exit")), &QAction::triggered, this, [this] {
+            if (m_tray.In_Tray) Tray_Toggle();
+            m_exitRequested = true;
+            close();
+        });
+        TrayIcon->setContextMenu(mnuTrays);
+        connect(TrayIcon, &QSystemTrayIcon::activated, this,
+                [this](QSystemTrayIcon::ActivationReason reason) {
+                    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+                        Tray_Toggle();
+                });
+        Timer_TrayIcon.setInterval(250);
+        connect(&Timer_TrayIcon, &QTimer::timeout, this, [this] {
+            morvane::Tray_Tick(m_tray, trayHost());
+            showTray();
+        });
+    }
+    morvane::Tray_Toggle(m_tray, trayHost());
+    showTray();
+}
+
+void frmMain::showTray() {
+    if (!TrayIcon) return;
+    const QString& icon = m_tray.Icon;
+    if (icon.isEmpty()) {
+        TrayIcon->hide();
+    } else {
+        if (icon == QLatin1String("tray_idle"))
+            TrayIcon->setIcon(Skin_Icon(QStringLiteral("img_convert")));
+        else if (icon == QLatin1String("tray_done"))
+            TrayIcon->setIcon(Skin_StateIcon(10));
+        else if (icon.startsWith(QLatin1String("tray")))
+            TrayIcon->setIcon(Skin_StateIcon(icon.mid(4).toInt()));
+        TrayIcon->setToolTip(m_tray.Text);
+        TrayIcon->show();
+    }
+    Sync_Timers({{&Timer_TrayIcon, m_tray.Timer_TrayIcon}}, true);
+}
+
+void frmMain::Host::Tray_StopAnimation() {
+    w.m_tray.Timer_TrayIcon = false;
+    w.showTray();
+}
+
+void frmMain::Host::Restore_FromTray() {
+    if (w.m_tray.In_Tray) w.Tray_Toggle();
+}
+
+void frmMain::Host::Tray_SetTip(const QString& tip) {
+    w.m_tray.Text = tip.isEmpty() ? w.windowTitle() : tip;
+    w.showTray();
+}
+
+void frmMain::Host::Tray_SetDoneIcon() {
+    w.m_tray.Tray_Frame = 0;
+    Tray_Tick(w.m_tray, w.trayHost(), QStringLiteral("tray_done"));
+    w.showTray();
 }
 
 // ---- Drops and discs.

@@ -36,6 +36,11 @@ public:
     int Window_State() override;
     void Set_WindowState(int state) override;
     void Show_Completion() override;
+    bool Tray_Animating() override { return w.m_tray.Timer_TrayIcon; }
+    void Tray_StopAnimation() override;
+    void Restore_FromTray() override;
+    void Tray_SetTip(const QString& tip) override;
+    void Tray_SetDoneIcon() override;
     void Run_Shutdown(const QString& command) override;
     void Unload_Main() override;
 

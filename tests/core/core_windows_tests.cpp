@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
+#include <QSystemTrayIcon>
 
 #include <array>
 #include <vector>
@@ -225,6 +226,11 @@ TEST(CloseQuestion, ButtonsEscapeAndCloseBoxSetTheAnswer) {
         window.show();
         window.Chk_DontAsk()->setChecked(c.box);
         const QString action = QLatin1String(c.action);
+        // Without a tray on the desktop (offscreen has none) the window cannot go there.
+        if (action == "tray" && !QSystemTrayIcon::isSystemTrayAvailable()) {
+            EXPECT_FALSE(window.Cmd_Close(0)->isEnabled());
+            continue;
+        }
         if (action == "tray")
             window.Cmd_Close(0)->click();
         else if (action == "exit")
