@@ -49,6 +49,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
+#include <QSystemTrayIcon>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -921,4 +922,27 @@ TEST_F(MainWindow, DropsAndTheDiscMenuImport) {
     EXPECT_EQ(messages, QStringList{QStringLiteral("There is no DVD video source.")});
     w->discMenu()->close();
     EXPECT_EQ(w->table().rows(), 1);
+}
+
+// The tray remembered as the close box's answer, on a desktop without a tray (offscreen has none): the
+// window closes rather than staying up with no way out; Exit from the menu ends it while idle too.
+TEST_F(MainWindow, ATrayChoiceWithoutATrayClosesAndExitAlwaysEnds) {
+    ASSERT_FALSE(QSystemTrayIcon::isSystemTrayAvailable());
+    auto w = loadedWindow();
+    Close_Event = 1; // after the load, which reads them from the settings
+    Close_DontAsk = true;
+    EXPECT_TRUE(w->close());
+    EXPECT_EQ(exits, QList<int>{0});
+    EXPECT_FALSE(w->tray().In_Tray);
+
+    exits.clear();
+    auto again = loadedWindow();
+    Close_Event = 0;
+    Close_DontAsk = false;
+    QAction* exitEntry = again->findChild<QAction*>(QStringLiteral("mnuExit"));
+    ASSERT_NE(exitEntry, nullptr);
+    EXPECT_EQ(exitEntry->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    exitEntry->trigger();
+    EXPECT_EQ(closeDialogs, 0) << "Exit does not ask where to go";
+    EXPECT_EQ(exits, QList<int>{0});
 }
