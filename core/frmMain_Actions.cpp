@@ -17,6 +17,7 @@
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
 #include "Skin_Theme.h"
+#include "Update_Check.h"
 #include "Window_Timers.h"
 #include "frmAbout.h"
 #include "frmClose.h"
@@ -75,11 +76,8 @@ void frmMain::buildMenus() {
         bool checkable;
     };
     const Entry entries[] = {
-        {1, "Help", false},
-        {6, "Visit Home Page", false},
-        {9, "Show Preview", true},
-        {10, "Shut Down When Done", true},
-        {13, "Preferences...", false},
+        {1, "Help", false},        {6, "Visit Home Page", false},     {7, "Check for Updates...", false},
+        {9, "Show Preview", true}, {10, "Shut Down When Done", true}, {13, "Preferences...", false},
         {14, "About", false},
     };
     for (const Entry& e : entries) {
@@ -431,6 +429,9 @@ void frmMain::mnuMenu_Click(int index) {
     case 1:
     case 6:
         QDesktopServices::openUrl(QUrl(LINK_HOMEPAGE1));
+        break;
+    case 7: // answers when the page has answered, or after 10 s; the window never waits
+        Update_Run(this, UpdateTrigger::Menu);
         break;
     case 9: {
         // The check has already turned with the click.

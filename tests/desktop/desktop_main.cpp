@@ -1,11 +1,11 @@
-// Pixmaps and icons need a GUI application object.
-#include <QGuiApplication>
+// Pixmaps and icons need a GUI application object, the update windows a widget one.
+#include <QApplication>
 
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
