@@ -1,5 +1,7 @@
 #include "Instance_Channel.h"
 
+#include "Globals.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLocalServer>
@@ -59,6 +61,10 @@ QString Instance_Channel::Runtime_Folder() {
 
 QString Instance_Channel::Socket_Path(const QString& name) {
     return Runtime_Folder() + QLatin1Char('/') + name;
+}
+
+QString Instance_Channel::Program_Name() {
+    return Instance_Name(PRODUCT_ID + QStringLiteral(".instance"));
 }
 
 QString Instance_Channel::Instance_Name(const QString& key) {

@@ -45,6 +45,8 @@ public:
     static QString Socket_Path(const QString& name);
     // A name that differs per user, for systems where the runtime folder is shared.
     static QString Instance_Name(const QString& key);
+    // The name this program listens under.
+    static QString Program_Name();
 
     // True when another instance answered: it has got firstArgument + " " and handled it, and the
     // caller should end. False when none answers (no socket, or one left by a crashed instance):

@@ -804,10 +804,7 @@ TrayHost frmMain::trayHost() {
     h.conversionState = [this] { return Get_ConversionState(); };
     h.progressText = [this] { return ProgressBar_Total ? ProgressBar_Total->text() : QString(); };
     h.windowHandle = [this] { return QString::number(winId()); };
-    h.mailbox = [] {
-        return Instance_Channel::Socket_Path(
-            Instance_Channel::Instance_Name(PRODUCT_ID + QStringLiteral(".instance")));
-    };
+    h.mailbox = [] { return Instance_Channel::Socket_Path(Instance_Channel::Program_Name()); };
     h.writeSetting = [](const QString& key, const QString& value) {
         Write_Setting(REGISTRY_PRODUCT, key, value);
     };

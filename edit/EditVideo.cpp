@@ -64,7 +64,7 @@ EditVideo::EditVideo(FileViewMain& table, MediaPlayer& media, int row)
     // The player's position moves the trim bar, as it moves the play bar of the other windows.
     panel.changed = [this] {
         trim.Position(m_media.PlayPosition);
-        notify();
+        notifyPicture();
     };
 }
 
@@ -104,6 +104,10 @@ PlayerOptions EditVideo::options() const {
     // The picture is drawn from the frames the preview timer takes; the player draws nowhere.
     o.WindowHandle = nullptr;
     return o;
+}
+
+void EditVideo::notifyPicture() {
+    if (pictureChanged) pictureChanged();
 }
 
 void EditVideo::notify() {
@@ -417,7 +421,7 @@ void EditVideo::Timer_GetPreview_Tick() {
     QImage& picture = Pic_Preview[static_cast<std::size_t>(CurrentTab)];
     if (Draw_PreviewFrame(crop, frame, previewFrame.size(), SourceAspect, effects.Txt_EffectsStr, picture,
                           m_frameSeed++))
-        notify();
+        notifyPicture();
 }
 
 void EditVideo::Timer_GetCropInfo_Tick() {

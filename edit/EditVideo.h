@@ -93,6 +93,9 @@ public:
     std::function<void()> closeWindow;
     std::function<void()> activateMain;
     std::function<void()> changed;
+    // Only the picture, the play position and the time labels moved: what the player's events and
+    // the preview timer bring many times a second, too often to show everything again.
+    std::function<void()> pictureChanged;
 
     // Any user change since the last save or the end of the opening.
     bool Dirty() const;
@@ -138,6 +141,7 @@ private:
     // Cmd_Player 0 with the file opened at `position` when nothing plays.
     bool playFrom(std::int64_t position);
     void notify();
+    void notifyPicture();
     void setDeinterlace(int value);
     void clearPreviews();
     TrimHost trimHost();

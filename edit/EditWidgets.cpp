@@ -11,13 +11,14 @@ namespace morvane {
 
 namespace {
 
-QColor colourOf(int rgb) {
-    return QColor(rgb & 0xff, (rgb >> 8) & 0xff, (rgb >> 16) & 0xff);
-}
-
 constexpr int kRectangle = 9;
 
 } // namespace
+
+QColor Rgb_Colour(qint64 rgb) {
+    return QColor(static_cast<int>(rgb & 0xff), static_cast<int>((rgb >> 8) & 0xff),
+                  static_cast<int>((rgb >> 16) & 0xff));
+}
 
 // ---- EditPreview.
 
@@ -52,11 +53,11 @@ void EditPreview::paintEvent(QPaintEvent*) {
     painter.fillRect(picture, QColor(0, 0, 0, 150));
     painter.setClipping(false);
     if (!crop.HandlesVisible) return;
-    const QColor line = colourOf(CropFrame::kLineColour);
+    const QColor line = Rgb_Colour(CropFrame::kLineColour);
     for (const QRect& r : {crop.Line_Top, crop.Line_Bottom, crop.Line_Left, crop.Line_Right})
         painter.fillRect(r.translated(picture.topLeft()), line);
     painter.setPen(Qt::black);
-    painter.setBrush(colourOf(CropFrame::kHandleColour));
+    painter.setBrush(Rgb_Colour(CropFrame::kHandleColour));
     for (const QRect& r : crop.Crop_Point)
         painter.drawRect(r.translated(picture.topLeft()).adjusted(0, 0, -1, -1));
 }

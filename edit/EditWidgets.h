@@ -4,6 +4,7 @@
 // forward the mouse to it. Main thread only.
 #pragma once
 
+#include <QColor>
 #include <QWidget>
 
 #include <functional>
@@ -11,6 +12,9 @@
 namespace morvane {
 
 class EditVideo;
+
+// A colour stored as R + 256 G + 65536 B.
+QColor Rgb_Colour(qint64 rgb);
 
 class EditPreview : public QWidget {
     Q_OBJECT

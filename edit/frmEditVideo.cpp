@@ -58,11 +58,6 @@ bool hasToken(const QString& list, const QString& name) {
     return false;
 }
 
-QColor colourOf(qint64 rgb) {
-    return QColor(static_cast<int>(rgb & 0xff), static_cast<int>((rgb >> 8) & 0xff),
-                  static_cast<int>((rgb >> 16) & 0xff));
-}
-
 } // namespace
 
 QImage Effect_SamplePicture(QSize size) {
@@ -157,6 +152,7 @@ frmEditVideo::frmEditVideo(FileViewMain& table, MediaPlayer& media, int row, QWi
 
     m_model.closeWindow = [this] { QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection); };
     m_model.changed = [this] { showModel(); };
+    m_model.pictureChanged = [this] { showPicture(); };
     m_preview->changedByUser = [this] { showModel(); };
     m_trimBar->changedByUser = [this] { showModel(); };
     setupConnections();
@@ -503,7 +499,7 @@ void frmEditVideo::setupConnections() {
 void frmEditVideo::pickColour(int row) {
     const auto u = static_cast<std::size_t>(row);
     const QColor chosen =
-        QColorDialog::getColor(colourOf(m_model.effects.EffectValues_ColorPicker[u].Color), this);
+        QColorDialog::getColor(Rgb_Colour(m_model.effects.EffectValues_ColorPicker[u].Color), this);
     if (!chosen.isValid()) return;
     m_model.effects.SetEffectColor(row, chosen.red() + 256 * chosen.green() + 65536 * chosen.blue());
     showModel();
@@ -566,10 +562,7 @@ void frmEditVideo::showModel() {
     Cmd_Player[2]->setIcon(Skin_Icon(b.muteImage));
     Cmd_Player[2]->setProperty("tag", b.muteTag);
     if (Slider_MPVolume->Value() != b.volume) Slider_MPVolume->setValue(b.volume);
-    lbl_PlayTime->setText(m.trim.lbl_PlayTime);
-    lbl_PlayTotal->setText(m.panel.lbl_PlayTotal);
     m_trimBar->setEnabled(m.playControlsEnabled);
-    m_trimBar->update();
 
     // Trim.
     const TrimBar& t = m.trim;
@@ -595,11 +588,6 @@ void frmEditVideo::showModel() {
     }
     Chk_Deinterlace->setChecked(m.Chk_Deinterlace == 1);
     Switch_Deinterlace->setIcon(Skin_Icon(m.Switch_DeinterlaceImage));
-    const QImage& output = m.Pic_Preview[1];
-    Pic_CropOutput->setPixmap(
-        output.isNull() ? QPixmap()
-                        : QPixmap::fromImage(output.scaled(Pic_CropOutput->size(), Qt::KeepAspectRatio,
-                                                           Qt::SmoothTransformation)));
 
     // Effects.
     const EffectsPanel& e = m.effects;
@@ -622,8 +610,11 @@ void frmEditVideo::showModel() {
         EffectValues_CheckBox[i]->setVisible(e.EffectValues_CheckBox[i].Visible);
         EffectValues_CheckBox[i]->setChecked(e.EffectValues_CheckBox[i].Value == 1);
         EffectValues_ColorPicker[i]->setVisible(e.EffectValues_ColorPicker[i].Visible);
-        EffectValues_ColorPicker[i]->setStyleSheet(
-            QStringLiteral("background: %1;").arg(colourOf(e.EffectValues_ColorPicker[i].Color).name()));
+        // A style sheet set again restyles the button even when it is the same: only on a change.
+        const QString swatch =
+            QStringLiteral("background: %1;").arg(Rgb_Colour(e.EffectValues_ColorPicker[i].Color).name());
+        if (EffectValues_ColorPicker[i]->styleSheet() != swatch)
+            EffectValues_ColorPicker[i]->setStyleSheet(swatch);
         anyValue = anyValue || s.Visible || e.EffectValues_CheckBox[i].Visible ||
                    e.EffectValues_ColorPicker[i].Visible;
     }
@@ -640,8 +631,23 @@ void frmEditVideo::showModel() {
     for (std::size_t i = 0; i < Cmd_Adjust.size(); ++i)
         Cmd_Adjust[i]->setChecked(hasToken(e.Txt_EffectsStr, QString::fromLatin1(kFlipWords[i])));
 
-    m_preview->update();
+    showPicture();
     syncTimers();
+}
+
+void frmEditVideo::showPicture() {
+    const EditVideo& m = m_model;
+    lbl_PlayTime->setText(m.trim.lbl_PlayTime);
+    lbl_PlayTotal->setText(m.panel.lbl_PlayTotal);
+    m_trimBar->update();
+    if (m.CurrentTab == 1) {
+        const QImage& output = m.Pic_Preview[1];
+        Pic_CropOutput->setPixmap(
+            output.isNull() ? QPixmap()
+                            : QPixmap::fromImage(output.scaled(Pic_CropOutput->size(), Qt::KeepAspectRatio,
+                                                               Qt::SmoothTransformation)));
+    }
+    m_preview->update();
 }
 
 } // namespace morvane

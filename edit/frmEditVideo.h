@@ -63,6 +63,7 @@ private:
     void setupConnections();
     void showModel();
     void syncTimers();
+    void showPicture(); // the picture, the position and the times only
     void makeEffectPictures();
     void pickColour(int row);
 

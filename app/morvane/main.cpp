@@ -82,9 +82,7 @@ int main(int argc, char* argv[]) {
     // runs it, and ends here; the first start listens for such hand-overs.
     const QStringList arguments = QApplication::arguments().mid(1);
     Instance_Channel channel({});
-    if (channel.Find_PrevInstance(Instance_Channel::Instance_Name(PRODUCT_ID + QStringLiteral(".instance")),
-                                  arguments.value(0)))
-        return 0;
+    if (channel.Find_PrevInstance(Instance_Channel::Program_Name(), arguments.value(0))) return 0;
 
     frmMain window;
     channel.setHandler([&window](const QString& text) { window.Mailbox_Changed(text); });
