@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
 
 echo "== format check"
-mapfile -t sources < <(find app bench catalogue conversion core crypto desktop edit filelist platform playback tests -name '*.cpp' -o -name '*.h' | sort)
+mapfile -t sources < <(find app automation bench catalogue conversion core crypto desktop edit filelist mainwindow platform playback tests -name '*.cpp' -o -name '*.h' | sort)
 clang-format --dry-run --Werror "${sources[@]}"
 
 jobs=$(nproc)

@@ -4,8 +4,8 @@
 // device makers, the remembered preset per button, favorites, the search, the preset settings window,
 // the rename menus, the lock while a job runs and the theme switch. Dialogs are answered through the
 // window's seams; modal windows by a script that waits for them.
-#include "TempHome.h"
-#include "WaitFor.h"
+#include "../core/TempHome.h"
+#include "../core/WaitFor.h"
 
 #include "EditWidgets.h"
 #include "Effects_Mods.h"

@@ -1,4 +1,4 @@
-#include "TempHome.h"
+#include "../core/TempHome.h"
 
 #include "Globals.h"
 #include "Preferences_Form.h"
