@@ -208,7 +208,10 @@ void VideoConverter::Start() {
     Stop_Requested = false;
     m_host.Set_AcceptDrops(false);
     QString folderProblem;
-    if (!Ensure_OutputFolder(Txt_OutputPath, folderProblem)) {
+    const QString typed = Txt_OutputPath;
+    const bool ensured = Ensure_OutputFolder(Txt_OutputPath, folderProblem);
+    if (Txt_OutputPath != typed) m_host.Show_OutputPath(Txt_OutputPath);
+    if (!ensured) {
         // Without a word the user could not tell a typo from a folder they may not write to.
         if (!folderProblem.isEmpty())
             Show_Message(folderProblem.left(1).toUpper() + folderProblem.mid(1) + QLatin1Char('.'),

@@ -62,6 +62,7 @@ public:
     virtual void Show_InputFileInfo(int row) = 0;
     virtual void Set_AcceptDrops(bool accept) { (void)accept; }
     virtual void Focus_OutputPath() {} // the whole text of Txt_OutputPath selected, caret in it
+    virtual void Show_OutputPath(const QString& folder) { (void)folder; } // the folder an empty box became
     virtual void Focus_List() {}
     virtual void Scroll_ToRow(int row) { (void)row; }
     virtual void Clear_Preview() {}    // picPreview

@@ -89,9 +89,14 @@ void Init_Folders() {
         pickFolder(QStringLiteral("CapturePath"), {CSIDL_MYPICTURES, CSIDL_PERSONAL, CSIDL_DESKTOP});
 }
 
+QString Default_OutputFolder() {
+    const QString documents = Get_SpecialFolder(CSIDL_PERSONAL);
+    return documents.isEmpty() ? Get_SpecialFolder(CSIDL_DESKTOP) : documents;
+}
+
 bool Ensure_OutputFolder(QString& outputBoxText, QString& reason) {
     reason.clear();
-    if (Trim_Spaces(outputBoxText).isEmpty()) outputBoxText = Get_SpecialFolder(CSIDL_PERSONAL);
+    if (Trim_Spaces(outputBoxText).isEmpty()) outputBoxText = Default_OutputFolder();
     const QString folder = Trim_Spaces(outputBoxText);
     if (folder.isEmpty()) {
         reason = QStringLiteral("no output folder is given and there is no documents folder to use");

@@ -24,8 +24,12 @@ QString Program_Folder();
 // Creates the data folders and picks the input, last-disc, output and capture folders.
 void Init_Folders();
 
-// Makes sure the folder in the output box exists, creating one level; an empty box becomes the
-// documents folder. On failure `reason` says why, naming the folder: a file stands in its place, its
+// The folder that an empty output box stands for: the documents folder, or the desktop (at worst the
+// home folder) on a machine without one. "" only when none of them exists.
+QString Default_OutputFolder();
+
+// Makes sure the folder in the output box exists, creating one level; an empty box becomes
+// Default_OutputFolder(). On failure `reason` says why, naming the folder: a file stands in its place, its
 // parent does not exist, or the system's words for why it cannot be made ("Permission denied").
 bool Ensure_OutputFolder(QString& outputBoxText, QString& reason);
 

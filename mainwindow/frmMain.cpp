@@ -345,6 +345,7 @@ void frmMain::Form_Load(const QStringList& arguments) {
         a->setChecked(a->objectName() == QStringLiteral("mnutheme_%1").arg(Theme_No));
     Txt_OutputPath->setText(Path_Output);
     m_converter->Txt_OutputPath = Path_Output;
+    fillBlankOutput();
 
     Catalogue_Load(m_catalogue);
     Set_MainState(MainState_Empty, false);

@@ -177,6 +177,7 @@ private:
     void removeAll();
     void chooseOutputFolder();
     void openOutputFolder();
+    void fillBlankOutput();
     void showCompletion();
     void loadBrowser();
     void browserChanged();

@@ -180,6 +180,7 @@ void frmMain::setupConnections() {
 
     connect(Txt_OutputPath, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_converter->Txt_OutputPath = text; });
+    connect(Txt_OutputPath, &QLineEdit::editingFinished, this, &frmMain::fillBlankOutput);
     connect(Chk_Merge, &QCheckBox::toggled, this, [this](bool on) { m_browser.mergeChecked = on; });
     connect(m_browserView, &OutputBrowserView::browserChanged, this, &frmMain::browserChanged);
     connect(m_settingsWindow, &frmFormatSetting::presetsSaved, this, [this] { m_browserView->redraw(); });
@@ -297,7 +298,13 @@ void frmMain::chooseOutputFolder() {
     Write_Setting(REGISTRY_PRODUCT, QStringLiteral("OutputPath"), folder);
 }
 
+// An empty box would hide where the files go: it shows the folder that a conversion would use.
+void frmMain::fillBlankOutput() {
+    if (Trim_Spaces(Txt_OutputPath->text()).isEmpty()) Txt_OutputPath->setText(Default_OutputFolder());
+}
+
 void frmMain::openOutputFolder() {
+    fillBlankOutput();
     Open_Folder(this, Txt_OutputPath->text(), false, true);
 }
 
@@ -560,6 +567,9 @@ void frmMain::Form_Unload() {
     Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinTagInfo"), QString());
     Write_Setting(REGISTRY_PRODUCT, QStringLiteral("WinInfo"), QString());
 
+    // A running queue ends as the Stop button ends it: the unfinished outputs go, the finished stay,
+    // the rows say so. A merge ends through its own cancel (m_unloaded above).
+    if (Get_ConversionState() != Conversion_Idle && !m_merge.Timer_FFmpeg) m_converter->Stop();
     Closing = true; // late events change nothing from here on
     auto* wait = new frmWait(this, 2);
     wait->setAttribute(Qt::WA_DeleteOnClose);
@@ -626,6 +636,10 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 // ---- Host.
+
+void frmMain::Host::Show_OutputPath(const QString& folder) {
+    w.Txt_OutputPath->setText(folder);
+}
 
 void frmMain::Host::Focus_OutputPath() {
     w.Txt_OutputPath->selectAll();

@@ -26,6 +26,7 @@ public:
     void Set_MainState(int state, bool enable) override { w.Set_MainState(state, enable); }
     void Set_AcceptDrops(bool accept) override { w.setAcceptDrops(accept); }
     void Focus_OutputPath() override;
+    void Show_OutputPath(const QString& folder) override;
     void Focus_List() override;
     void Scroll_ToRow(int row) override;
     void Clear_Preview() override;

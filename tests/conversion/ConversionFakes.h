@@ -108,6 +108,7 @@ public:
     void Show_InputFileInfo(int row) override { events << QStringLiteral("info %1").arg(row); }
     void Set_AcceptDrops(bool accept) override { acceptDrops = accept; }
     void Focus_OutputPath() override { events << "focus output"; }
+    void Show_OutputPath(const QString& folder) override { events << "output " + folder; }
     void Wait_Show(int maximum, const QString& caption) override {
         events << QStringLiteral("wait %1 ").arg(maximum) + caption;
         waitOpen = true;

@@ -201,7 +201,7 @@ TEST_F(JobTest, ThreadModeDecidesTheTasksAtOnce) {
     }
 }
 
-TEST_F(JobTest, OutputFolderThatCannotBeMadeLeavesIdle) {
+TEST_F(JobTest, OutputFolderThatCannotBeMadeLeavesIdleAndAnEmptyOneIsShown) {
     addRows(1);
     converter.Txt_OutputPath = dir.path() + "/missing/deeper/";
     host.acceptDrops = false;
@@ -214,6 +214,15 @@ TEST_F(JobTest, OutputFolderThatCannotBeMadeLeavesIdle) {
     EXPECT_TRUE(messages.first().startsWith("Attention!|48|The ")) << messages.first().toStdString();
     EXPECT_TRUE(messages.first().endsWith(".")) << messages.first().toStdString();
     EXPECT_TRUE(messages.first().contains(dir.path() + "/missing")) << messages.first().toStdString();
+    EXPECT_TRUE(host.events.filter("output ").isEmpty()); // a typed folder is shown as typed
+
+    // An empty box runs into the default folder, and the window is told which, so that it shows it.
+    converter.Txt_OutputPath = "  ";
+    converter.Start();
+    const QStringList shown = host.events.filter("output ");
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.first(), "output " + converter.Txt_OutputPath);
+    EXPECT_FALSE(converter.Txt_OutputPath.trimmed().isEmpty());
 }
 
 TEST_F(JobTest, CancelDuringRowThreeOfFiveLeavesNoTasks) {

@@ -127,8 +127,9 @@ TEST_F(FoldersTest, EnsureOutputFolderCreatesOneLevelOnlyAndSaysWhyNot) {
 
     QDir(documents).removeRecursively();
     box.clear();
-    EXPECT_FALSE(Ensure_OutputFolder(box, reason)); // no documents folder to fall back on
-    EXPECT_TRUE(reason.contains("no documents folder"));
+    EXPECT_TRUE(Ensure_OutputFolder(box, reason)); // no documents folder: the desktop, here the home
+    EXPECT_EQ(box, home.path() + '/');
+    EXPECT_EQ(Default_OutputFolder(), box);
 }
 
 TEST_F(FoldersTest, MoveAndDeleteFiles) {

@@ -12,6 +12,7 @@
 #include "FileListView.h"
 #include "FileList_Mods.h"
 #include "FileViewMain.h"
+#include "Folders_Mods.h"
 #include "Globals.h"
 #include "MediaPlayer_Mod.h"
 #include "MpvPlayer.h"
@@ -349,6 +350,15 @@ TEST_F(MainWindow, ChoosingTheOutputFolderWritesTheSetting) {
     EXPECT_EQ(Read_Setting(REGISTRY_PRODUCT, QStringLiteral("OutputPath")),
               home.path() + QStringLiteral("/picked/"));
     EXPECT_EQ(w->converter().Txt_OutputPath, w->outputPath()->text());
+
+    // An emptied box never hides where the files go: leaving it, or Open, shows the folder in use.
+    for (const auto& leave : std::initializer_list<std::function<void()>>{
+             [&] { emit w->outputPath()->editingFinished(); }, [&] { w->button(Btn_OpenOutput)->click(); }}) {
+        w->outputPath()->setText(QStringLiteral("  "));
+        leave();
+        EXPECT_EQ(w->outputPath()->text(), Default_OutputFolder());
+        EXPECT_FALSE(w->outputPath()->text().isEmpty());
+    }
 }
 
 TEST_F(MainWindow, CloseWhileConvertingAsksAndResumes) {
@@ -370,6 +380,22 @@ TEST_F(MainWindow, CloseWhileConvertingAsksAndResumes) {
               QStringLiteral("Conversion is not completed!\nAre you sure you want to terminate it ?"));
     EXPECT_EQ(exits, QList<int>{0});
     EXPECT_TRUE(Closing);
+    EXPECT_EQ(w->table().text(0, FileCol::Status).trimmed(), QStringLiteral("Canceled!"));
+
+    // The menu's Exit (Ctrl+Q) stops the same way: no half-written file stays behind.
+    exits.clear();
+    Closing = false;
+    auto again = loadedWindow();
+    nextChoice = {clip(QStringLiteral("long2.mp4"), 20, QStringLiteral("640x360"))};
+    again->button(Btn_Add)->click();
+    again->button(Btn_Convert)->click();
+    const QDir out(Path_Output);
+    ASSERT_TRUE(
+        waitFor([&] { return !out.entryList({"*.part"}, QDir::Files | QDir::Hidden).isEmpty(); }, 10000));
+    again->findChild<QAction*>(QStringLiteral("mnuExit"))->trigger();
+    EXPECT_EQ(exits, QList<int>{0});
+    EXPECT_TRUE(out.entryList(QDir::Files | QDir::Hidden).isEmpty())
+        << out.entryList(QDir::Files | QDir::Hidden).join(' ').toStdString();
 }
 
 TEST_F(MainWindow, TerminationSignalEndsTheRunAsExitDoesAndLeavesNoPartialOutput) {
