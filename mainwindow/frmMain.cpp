@@ -1,4 +1,5 @@
 #include "frmMain.h"
+#include "Update_Check.h"
 
 #include "Catalogue_Load.h"
 #include "Command_Load.h"
@@ -347,6 +348,10 @@ void frmMain::Form_Load(const QStringList& arguments) {
     m_converter->Txt_OutputPath = Path_Output;
     fillBlankOutput();
 
+    // In the background: the window never waits on the network, and frmUpdates comes up only if a
+    // newer version is known and nothing else is on screen.
+    Update_Run(this, UpdateTrigger::Start);
+
     Catalogue_Load(m_catalogue);
     Set_MainState(MainState_Empty, false);
 
@@ -434,6 +439,9 @@ void frmMain::syncConversionViews() {
     }
     ProgressBar_Total->setFormat(t.Text);
     m_table.setHeaderCaption(FileCol::Status, m_converter->Status_Header);
+    const int percent =
+        t.Maximum > 0 ? static_cast<int>(100LL * std::clamp(t.Value, 0, t.Maximum) / t.Maximum) : 0;
+    m_launcher.Update(Get_ConversionState(), percent);
 
     // The timer of the header follows the converter's switch.
     if (m_converter->Timer_ConversionElapsed() != Timer_ConversionElapsed.isActive()) {

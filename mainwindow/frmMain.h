@@ -17,12 +17,14 @@
 #include "FormatSetting.h"
 #include "Import_Files.h"
 #include "Input_FileInfo.h"
+#include "Launcher_Entry.h"
 #include "Main_State.h"
 #include "OutputBrowser.h"
 #include "PopupTray_Mod.h"
 #include "VideoConverter_Mods.h"
 #include "frmWait.h"
 
+#include <QGuiApplication>
 #include <QMainWindow>
 #include <QPointer>
 #include <QTimer>
@@ -222,6 +224,9 @@ private:
     QMenu* mnuPreview = nullptr;
     QMenu* mnuDiscs = nullptr;
     TrayState m_tray;
+    LauncherEntry m_launcher{QGuiApplication::desktopFileName().isEmpty()
+                                 ? QStringLiteral("org.morvane.Morvane")
+                                 : QGuiApplication::desktopFileName()};
     QSystemTrayIcon* TrayIcon = nullptr; // made on the first trip to the tray
     QMenu* mnuTrays = nullptr;
     QTimer Timer_TrayIcon;

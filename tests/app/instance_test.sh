@@ -8,6 +8,7 @@ set -uo pipefail
 program=$1
 source "$(dirname "$0")/checks.sh"
 export QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR="$work/run"
+export MORVANE_UPDATE_URL="http://127.0.0.1:9/update?p=PRODUCTNAME&v=VERSION" # never the real endpoint
 mkdir -m 700 -p "$XDG_RUNTIME_DIR"
 clips="$work/clips"
 mkdir -p "$clips"

@@ -1,7 +1,10 @@
 // The tray's state: to the tray idle and busy, the nine frames with the total in the tip, the done
 // icon, back from the tray clearing the settings, the reset.
+#include "Launcher_Entry.h"
 #include "PopupTray_Mod.h"
 
+#include <QDBusArgument>
+#include <QDBusMetaType>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -82,4 +85,35 @@ TEST(Tray, NineFramesTurnWithTheTotalThenTheDoneIconAndTheReset) {
     EXPECT_TRUE(tray.Icon.isEmpty());
     EXPECT_EQ(tray.Tray_Frame, 0);
     EXPECT_EQ(tray.Text, "Morvane");
+}
+
+// The launcher's bar: a signal per change only, none before a run, one to hide it after, and the
+// values in the form the docks read.
+TEST(LauncherEntryTest, SendsChangesOnlyInTheDocksForm) {
+    QList<QDBusMessage> sent;
+    LauncherEntry entry(QStringLiteral("org.morvane.Morvane"), [&](const QDBusMessage& m) {
+        sent << m;
+        return true;
+    });
+    const struct {
+        int state, percent;
+        int sentSoFar;
+    } steps[] = {{0, 0, 0},   {0, 30, 0}, {1, 0, 1},  {1, 0, 1},
+                 {1, 41, 2},  {2, 41, 2}, // paused: the bar stays as it was
+                 {1, 250, 3}, {1, -5, 4}, {0, 77, 5}, {0, 0, 5}};
+    for (const auto& s : steps) {
+        entry.Update(s.state, s.percent);
+        EXPECT_EQ(sent.size(), s.sentSoFar) << s.state << ' ' << s.percent;
+    }
+    const auto properties = [&](int i) { return qdbus_cast<QVariantMap>(sent[i].arguments().at(1)); };
+    EXPECT_EQ(sent[1].interface(), QStringLiteral("com.canonical.Unity.LauncherEntry"));
+    EXPECT_EQ(sent[1].member(), QStringLiteral("Update"));
+    EXPECT_EQ(sent[1].type(), QDBusMessage::SignalMessage);
+    EXPECT_EQ(sent[1].arguments().at(0).toString(),
+              QStringLiteral("application://org.morvane.Morvane.desktop"));
+    EXPECT_DOUBLE_EQ(properties(1).value("progress").toDouble(), 0.41);
+    EXPECT_TRUE(properties(1).value("progress-visible").toBool());
+    EXPECT_DOUBLE_EQ(properties(2).value("progress").toDouble(), 1.0); // clamped
+    EXPECT_DOUBLE_EQ(properties(3).value("progress").toDouble(), 0.0);
+    EXPECT_FALSE(properties(4).value("progress-visible").toBool());
 }

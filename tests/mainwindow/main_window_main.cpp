@@ -10,6 +10,8 @@ extern "C" {
 int main(int argc, char** argv) {
     // Test discovery runs the executable outside CTest's environment, with no display.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The window checks for updates as it loads: never the real endpoint from a test.
+    qputenv("MORVANE_UPDATE_URL", "http://127.0.0.1:9/update?p=PRODUCTNAME&v=VERSION");
     QApplication app(argc, argv);
     av_log_set_level(AV_LOG_ERROR);
     testing::InitGoogleTest(&argc, argv);
