@@ -12,6 +12,7 @@ packages=(
     googletest libgtest-dev libbenchmark-dev
     clang libclang-rt-14-dev llvm # the fuzz and ThreadSanitizer builds: libFuzzer, the runtimes, symbols
     ccache # a build dir made anew (a fresh clone) compiles only what changed since the last build
+    dpkg-dev file desktop-file-utils appstream shared-mime-info groff-base man-db # the package and its checks
 )
 
 missing=()

@@ -18,6 +18,10 @@ cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build/release -j "$jobs"
 ctest --test-dir build/release --output-on-failure -j "$jobs" --timeout 300
 
+echo "== package"
+# The Debian package from the release build; as root it is installed, run from /usr/bin and removed.
+bash tests/app/package_test.sh build/release
+
 echo "== sanitizer build and tests"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DMORVANE_SANITIZE=ON
 cmake --build build/asan -j "$jobs"

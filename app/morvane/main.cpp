@@ -72,6 +72,8 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(PRODUCT_NAME);
     QApplication::setOrganizationName(COMPANY_NAME);
     QApplication::setApplicationVersion(PRODUCT_VERSION);
+    // Wayland names the window's program by this, so that the dock shows the installed entry's icon.
+    QApplication::setDesktopFileName(QStringLiteral("org.morvane.Morvane"));
     QApplication::setWindowIcon(Skin_Icon(QStringLiteral("img_convert")));
 
     // The theme is known only from the settings; the window reads them again as it loads.
