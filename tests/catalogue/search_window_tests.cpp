@@ -1,37 +1,25 @@
 // The preset search window as a user drives it: typing, clearing, choosing a hit by every road, leaving
-// without a choice; and a chosen device preset bringing a real browser over the shipped catalogue there.
+// without a choice. The main window's suite takes a chosen device preset on to the real browser.
 
-#include "Catalogue_Load.h"
-#include "Encrypt_Mod.h"
-#include "FormatSetting.h"
-#include "Globals.h"
-#include "OutputBrowser.h"
-#include "Preset_Mods.h"
 #include "Skin_Icons.h"
 #include "frmSearch.h"
-#include "mMain.h"
 
-#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 using namespace morvane;
 
 namespace {
-
-struct Call {
-    QString name, maker, keyword;
-};
 
 class SearchWindow : public ::testing::Test {
 protected:
@@ -58,7 +46,7 @@ protected:
         calls.clear();
         dialog = std::make_unique<frmSearch>(presets,
                                              [this](const QString& n, const QString& m, const QString& k) {
-                                                 calls.push_back({n, m, k});
+                                                 calls << n << m << k;
                                                  return answer;
                                              });
         box = dialog->findChild<QLineEdit*>("Txt_Search");
@@ -90,23 +78,10 @@ protected:
         box->clear();
         QTest::keyClicks(box, text);
     }
-    void expectClosedWith(const Call& expected) {
-        EXPECT_FALSE(dialog->isVisible());
-        EXPECT_EQ(dialog->result(), QDialog::Accepted);
-        ASSERT_EQ(calls.size(), 1u);
-        EXPECT_EQ(calls.front().name, expected.name);
-        EXPECT_EQ(calls.front().maker, expected.maker);
-        EXPECT_EQ(calls.front().keyword, expected.keyword);
-    }
-    void expectClosedWithoutChoice() {
-        EXPECT_FALSE(dialog->isVisible());
-        EXPECT_EQ(dialog->result(), QDialog::Rejected);
-        EXPECT_TRUE(calls.empty());
-    }
 
     CatalogueTable presets;
     std::unique_ptr<frmSearch> dialog;
-    std::vector<Call> calls;
+    QStringList calls; // name, maker and keyword of each hit passed on
     bool answer = true;
     QLineEdit* box = nullptr;
     QToolButton* clear = nullptr;
@@ -181,127 +156,72 @@ TEST_F(SearchWindow, ClearButtonEmptiesTheBoxAndTheResults) {
     EXPECT_TRUE(showsPicture("img_search"));
     EXPECT_FALSE(ok->isEnabled());
     EXPECT_TRUE(dialog->isVisible());
-    EXPECT_TRUE(calls.empty());
+    EXPECT_TRUE(calls.isEmpty());
     // Typing again brings the other picture back.
     QTest::keyClicks(box, "g");
     EXPECT_TRUE(showsPicture("img_search_remove"));
 }
 
-TEST_F(SearchWindow, EveryRoadOfChoosingPassesTheTrimmedHitAndCloses) {
-    const Call iphone{"iPhone 15", "Apple", "iPhone"};
-
-    QTest::keyClicks(box, "iphone");
-    QTest::mouseClick(ok, Qt::LeftButton);
-    expectClosedWith(iphone);
-
-    open("iphone");
-    QTest::keyClick(box, Qt::Key_Return);
-    expectClosedWith(iphone);
-
-    open("iphone");
-    view->setFocus();
-    QTest::keyClick(view, Qt::Key_Enter);
-    expectClosedWith(iphone);
-
-    // The arrows in the box walk the hits; Enter then takes the one walked to.
-    open("sd");
-    QTest::keyClick(box, Qt::Key_Down);
-    EXPECT_EQ(selectedRow(), 1);
-    EXPECT_EQ(box->text(), "sd");
-    QTest::keyClick(box, Qt::Key_Return);
-    expectClosedWith({"AVI SD", "VideoFormat", "AVI"});
-
-    open("mp4");
-    const QRect second = view->visualRect(view->model()->index(1, 0));
-    ASSERT_TRUE(second.isValid());
-    // A real double click starts with a press and release; the test library sends only the last event.
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, second.center());
-    EXPECT_TRUE(dialog->isVisible()); // one click only selects
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, second.center());
-    expectClosedWith({"MP4 HD", "VideoFormat", "MP4"});
-
-    // A user preset stands among the others; a refusal by the browser still closes the window.
-    open("own");
-    answer = false;
-    QTest::mouseClick(ok, Qt::LeftButton);
-    expectClosedWith({"My own", "VideoFormat", "MP4"});
-}
-
-TEST_F(SearchWindow, EscapeAndCloseLeaveWithoutAChoice) {
-    // With the selection taken away Enter and Select have nothing to pass on.
-    QTest::keyClicks(box, "mp4");
-    view->clearSelection();
-    view->setFocus();
-    QTest::keyClick(view, Qt::Key_Return);
-    QTest::mouseClick(ok, Qt::LeftButton);
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_TRUE(calls.empty());
-    QTest::keyClick(box, Qt::Key_Escape);
-    expectClosedWithoutChoice();
-
-    open("mp4");
-    view->setFocus();
-    QTest::keyClick(view, Qt::Key_Escape);
-    expectClosedWithoutChoice();
-
-    open("mp4");
-    QTest::mouseClick(close, Qt::LeftButton);
-    expectClosedWithoutChoice();
-}
-
-// ---- Over the shipped catalogue, with the real browser.
-
-TEST(SearchWindowBrowser, ChosenDevicePresetOpensItsMakerAndGroup) {
-    QTemporaryDir dir;
-    Catalogue_Passphrase = QString::fromLatin1(Catalogue_PassphraseText);
-    Folder_Temp = dir.filePath("temp/");
-    Folder_UserPreset = dir.filePath("user/presets/");
-    File_UserPreset = "UserPreset.dat";
-    Folder_UserFavorite = dir.filePath("user/favorites/");
-    File_UserFavorite = "Favorites.dat";
-    QDir().mkpath(Folder_Temp);
-    QStringList messages;
-    Set_MessageHandler([&messages](const QString& text, int, const QString&, const QString&) {
-        messages << text;
-        return ID_OK;
-    });
-
-    Catalogue catalogue;
-    Catalogue_Load(catalogue);
-    ASSERT_GT(catalogue.ReportControl_PresetMain.rowCount(), 300);
-    FormatSetting settings(catalogue);
-    OutputBrowser browser(catalogue, settings);
-    browser.Panel_BuildButtons(Panel_VideoFormats, "VideoFormat");
-    browser.Panel_BuildButtons(Panel_AudioFormats, "AudioFormat");
-    browser.Panel_BuildButtons(Panel_WebFormats, "WebFormat");
-    browser.Panel_BuildButtons(Panel_Devices, "Apple");
-    browser.Panel_Show(Panel_VideoFormats);
-    ASSERT_EQ(browser.PanelActive, Panel_VideoFormats);
-
-    const QString wanted = "Galaxy Tab 7.0 (1024 x 600)";
-    frmSearch dialog(catalogue.ReportControl_PresetMain,
-                     [&browser](const QString& name, const QString& maker, const QString& keyword) {
-                         return browser.Preset_Select(name, maker, keyword);
-                     });
-    dialog.show();
-    auto* box = dialog.findChild<QLineEdit*>("Txt_Search");
-    auto* view = dialog.findChild<QTableView*>("View_Found");
-    ASSERT_TRUE(box && view);
-    QTest::keyClicks(box, "tab 7.0");
-    ASSERT_EQ(dialog.found().rowCount(), 1);
-    EXPECT_EQ(dialog.found().cell(0, 0), wanted);
-    view->setFocus();
-    QTest::keyClick(view, Qt::Key_Return);
-
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
-    EXPECT_EQ(browser.PanelActive, Panel_Devices);
-    EXPECT_EQ(browser.ListBox_MakerNames.selectedText(), "Samsung");
-    const ButtonStrip& devices = browser.strips[Panel_Devices];
-    ASSERT_GE(devices.checkedButton(), 0);
-    EXPECT_EQ(devices.buttons.at(devices.checkedButton()).caption, "Galaxy Tab");
-    EXPECT_EQ(catalogue.Cmd_OutputPreset.selectedText(), wanted);
-    EXPECT_EQ(settings.Txt_Maker, "Samsung");
-    EXPECT_EQ(settings.Txt_Keyword, "Galaxy Tab");
-    Set_MessageHandler(nullptr);
+// Every road out of the window: the hit passed on, trimmed, closes it accepted; the others leave without.
+TEST_F(SearchWindow, EveryRoadOutPassesTheTrimmedHitOrNothing) {
+    const auto click = [](QWidget* widget) { QTest::mouseClick(widget, Qt::LeftButton); };
+    const auto key = [](QWidget* widget, Qt::Key pressed) {
+        widget->setFocus();
+        QTest::keyClick(widget, pressed);
+    };
+    const QStringList iphone = {"iPhone 15", "Apple", "iPhone"};
+    const struct {
+        const char* query;
+        std::function<void()> act;
+        QStringList passed; // name, maker, keyword; empty when nothing may be passed on
+    } roads[] = {
+        {"iphone", [&] { click(ok); }, iphone},
+        {"iphone", [&] { key(box, Qt::Key_Return); }, iphone},
+        {"iphone", [&] { key(view, Qt::Key_Enter); }, iphone},
+        // The arrows in the box walk the hits; Enter then takes the one walked to.
+        {"sd",
+         [&] {
+             QTest::keyClick(box, Qt::Key_Down);
+             EXPECT_EQ(selectedRow(), 1);
+             EXPECT_EQ(box->text(), "sd");
+             QTest::keyClick(box, Qt::Key_Return);
+         },
+         {"AVI SD", "VideoFormat", "AVI"}},
+        // One click only selects. A real double click starts with a press and release; the test
+        // library sends only the last event.
+        {"mp4",
+         [&] {
+             const QPoint second = view->visualRect(view->model()->index(1, 0)).center();
+             QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, second);
+             EXPECT_TRUE(dialog->isVisible());
+             QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, second);
+         },
+         {"MP4 HD", "VideoFormat", "MP4"}},
+        // A user preset stands among the others; a refusal by the browser still closes the window.
+        {"own",
+         [&] {
+             answer = false;
+             click(ok);
+         },
+         {"My own", "VideoFormat", "MP4"}},
+        // With the selection taken away Enter and Select have nothing to pass on.
+        {"mp4",
+         [&] {
+             view->clearSelection();
+             key(view, Qt::Key_Return);
+             click(ok);
+             EXPECT_TRUE(dialog->isVisible());
+             key(box, Qt::Key_Escape);
+         },
+         {}},
+        {"mp4", [&] { key(view, Qt::Key_Escape); }, {}},
+        {"mp4", [&] { click(close); }, {}},
+    };
+    for (const auto& road : roads) {
+        open(road.query);
+        road.act();
+        EXPECT_FALSE(dialog->isVisible());
+        EXPECT_EQ(dialog->result(), road.passed.isEmpty() ? QDialog::Rejected : QDialog::Accepted);
+        EXPECT_EQ(calls, road.passed);
+    }
 }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace morvane;
 
 namespace {
@@ -69,18 +71,16 @@ TEST(FileTable, RowStatesSetIconCaptionColourAndErrorText) {
                   c.errorKept ? QStringLiteral("Conversion failed") : QString());
         EXPECT_GT(table.redrawCount(), redraws);
     }
-}
 
-TEST(FileTable, HiddenStateAndRowMinusOne) {
+    // Hidden, only the icon goes and the list is filled again; row -1 is no row at all.
     FileViewMain table;
     addRows(table, 1);
     Set_RowState(table, 0, true, State_Done);
     const int populates = table.populateCount();
     Set_RowState(table, 0, false, State_Done);
     EXPECT_EQ(table.icon(0), 0);
-    EXPECT_EQ(table.text(0, FileCol::Status), QStringLiteral("Done")); // only the icon goes
+    EXPECT_EQ(table.text(0, FileCol::Status), QStringLiteral("Done"));
     EXPECT_EQ(table.populateCount(), populates + 1);
-
     const int redraws = table.redrawCount();
     Set_RowState(table, -1, true, State_Failed);
     Set_RowState(table, -1, false, State_Failed);
@@ -150,52 +150,56 @@ TEST(FileTable, ProgressMarkupAndBarData) {
 }
 
 TEST(FileTable, TotalsRoundEachRowAndCountFiles) {
-    FileViewMain table;
-    Update_Totals(table);
-    EXPECT_EQ(table.footer(FileCol::Name), QStringLiteral(" 0 file"));
-    EXPECT_EQ(table.footer(FileCol::Duration), QStringLiteral("00:00:00"));
-
-    addRows(table, 1);
-    table.setText(0, FileCol::SrcDuration, QStringLiteral("1.50"));
-    Update_Totals(table);
-    EXPECT_EQ(table.footer(FileCol::Name), QStringLiteral(" 1 file"));
-    EXPECT_EQ(table.footer(FileCol::Duration), QStringLiteral("00:00:02"));
-
-    addRows(table, 3);
-    table.setText(1, FileCol::SrcDuration, QStringLiteral("2.50")); // 2 + 2, not round(4.0)
-    table.setText(2, FileCol::SrcDuration, QStringLiteral("  "));   // blank: skipped
-    table.setText(3, FileCol::SrcDuration, QStringLiteral("3661.4"));
-    Update_Totals(table);
-    EXPECT_EQ(table.footer(FileCol::Name), QStringLiteral(" 4 files"));
-    EXPECT_EQ(table.footer(FileCol::Duration), QStringLiteral("01:01:05"));
+    // 2.50 counts as 2 and 1.50 as 2, so the sum is not round(4.0); a blank length is skipped.
+    const std::tuple<QStringList, const char*, const char*> cases[] = {
+        {{}, " 0 file", "00:00:00"},
+        {{"1.50"}, " 1 file", "00:00:02"},
+        {{"1.50", "2.50", "  ", "3661.4"}, " 4 files", "01:01:05"},
+    };
+    for (const auto& [seconds, files, length] : cases) {
+        FileViewMain table;
+        addRows(table, static_cast<int>(seconds.size()));
+        for (int r = 0; r < table.rows(); ++r)
+            table.setText(r, FileCol::SrcDuration, seconds.at(r));
+        Update_Totals(table);
+        EXPECT_EQ(table.footer(FileCol::Name), QLatin1String(files));
+        EXPECT_EQ(table.footer(FileCol::Duration), QLatin1String(length));
+    }
 }
 
-TEST(FileTable, RemoveSelectedDeletesThumbnailsOfEverySelectedRow) {
-    QTemporaryDir dir;
-    FileViewMain table;
-    const QStringList thumbs = addRowsWithThumbnails(table, dir, 4);
-    for (int r = 0; r < 4; ++r)
-        table.setText(r, FileCol::SrcDuration, QStringLiteral("1.00"));
-    table.setText(3, FileCol::Thumbnail, dir.filePath(QStringLiteral("gone.bmp"))); // already missing
-    table.setSelectedRows({3, 0, 2});
-    Remove_Selected(table);
+TEST(FileTable, RemovingRowsDeletesTheirOwnThumbnailsAndMovesTheSelection) {
+    // Five rows with a thumbnail file each; row 3 names a file already gone and row 4 names none.
+    struct Case {
+        QList<int> selected;
+        bool all;
+        QStringList left;
+        QList<bool> kept;
+    };
+    const Case cases[] = {
+        {{3, 0, 2}, false, {"clip1", "clip4"}, {false, true, false, true, true}},
+        {{2}, true, {}, {false, false, false, true, true}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.all);
+        QTemporaryDir dir;
+        FileViewMain table;
+        const QStringList thumbs = addRowsWithThumbnails(table, dir, 5);
+        table.setText(3, FileCol::Thumbnail, dir.filePath(QStringLiteral("gone.bmp")));
+        table.setText(4, FileCol::Thumbnail, QString());
+        table.setSelectedRows(c.selected);
+        c.all ? Remove_All(table) : Remove_Selected(table);
+        QStringList left;
+        for (int r = 0; r < table.rows(); ++r)
+            left.append(table.text(r, FileCol::Name));
+        EXPECT_EQ(left, c.left);
+        EXPECT_EQ(table.rowCount(), c.left.size());
+        EXPECT_EQ(existing(thumbs), c.kept);
+        EXPECT_TRUE(table.selectedRows().isEmpty());
+        Remove_All(table);
+        Remove_Selected(table); // an empty table returns at once
+    }
 
-    ASSERT_EQ(table.rows(), 1);
-    EXPECT_EQ(table.text(0, FileCol::Name), QStringLiteral("clip1"));
-    EXPECT_EQ(existing(thumbs), (QList<bool>{false, true, false, true}));
-    EXPECT_TRUE(table.selectedRows().isEmpty());
-
-    table.selectRow(0);
-    Remove_Selected(table);
-    Update_Totals(table);
-    EXPECT_EQ(table.rows(), 0);
-    EXPECT_EQ(existing(thumbs), (QList<bool>{false, false, false, true}));
-    EXPECT_EQ(table.footer(FileCol::Name), QStringLiteral(" 0 file"));
-    EXPECT_EQ(table.footer(FileCol::Duration), QStringLiteral("00:00:00"));
-    Remove_Selected(table); // an empty table returns at once
-}
-
-TEST(FileTable, SelectionFollowsRemovedRows) {
+    // Rows out of range are never selected; rows removed above the selection move it up.
     FileViewMain table;
     addRows(table, 5);
     table.setSelectedRows({4, 1, 9, -1});
@@ -203,19 +207,6 @@ TEST(FileTable, SelectionFollowsRemovedRows) {
     table.removeRows({0, 2});
     EXPECT_EQ(table.selectedRows(), (QList<int>{0, 2}));
     EXPECT_EQ(table.text(2, FileCol::Name), QStringLiteral("clip4"));
-}
-
-TEST(FileTable, RemoveAllDeletesEveryThumbnail) {
-    QTemporaryDir dir;
-    FileViewMain table;
-    const QStringList thumbs = addRowsWithThumbnails(table, dir, 3);
-    table.setText(1, FileCol::Thumbnail, QString());
-    table.selectRow(2);
-    Remove_All(table);
-    EXPECT_EQ(table.rows(), 0);
-    EXPECT_EQ(table.rowCount(), 0);
-    EXPECT_TRUE(table.selectedRows().isEmpty());
-    EXPECT_EQ(existing(thumbs), (QList<bool>{false, true, false})); // the second was not the row's
 }
 
 TEST(FileTable, TimePairsKeepSignedWordsAndRebuild) {

@@ -123,38 +123,6 @@ TEST_F(FillItem, ThumbnailIsABitmapOfTheDrawnFrame) {
     EXPECT_TRUE(decoder.frameDecoding);
 }
 
-TEST_F(FillItem, SeekLimitIsTheRoundedLength) {
-    struct Case {
-        double length;
-        bool seeks;
-    };
-    for (const Case c :
-         {Case{6.4, false}, Case{6.6, true}, Case{6.5, false}, Case{7.0, true}, Case{120, true}}) {
-        decoder.seeks.clear();
-        fill(seconds(c.length));
-        if (c.seeks) {
-            ASSERT_EQ(decoder.seeks.size(), 1) << c.length;
-            EXPECT_EQ(decoder.seeks.first(), 7000000);
-        } else {
-            EXPECT_TRUE(decoder.seeks.isEmpty()) << c.length;
-        }
-    }
-}
-
-TEST_F(FillItem, NoValueDurationGivesZeroAndAThumbnailOfTheFirstFrame) {
-    FakeMedia m;
-    m.durationLow = 0;
-    m.durationHigh = kNoValue;
-    fill(m, QStringLiteral("/videos/raw.h264"));
-    ASSERT_EQ(table.rows(), 1);
-    using namespace FileCol;
-    // The file's duration cell keeps the low word as read.
-    EXPECT_EQ(cells({Duration, SrcDuration, TrimEndLow, TrimEndHigh, FileDuration}),
-              (QStringList{"00:00:00", "0.00", "0", "0", "0"}));
-    EXPECT_TRUE(decoder.seeks.isEmpty());
-    EXPECT_FALSE(table.text(0, FileCol::Thumbnail).isEmpty());
-}
-
 TEST_F(FillItem, FrameRateIsTheTruncatedQuotientUnlessUnknown) {
     struct Case {
         std::int32_t num, den;
@@ -232,22 +200,44 @@ TEST_F(FillItem, DiscModeDropsTitlesUnderASecondQuietly) {
     EXPECT_TRUE(Report_Entries().isEmpty());
 }
 
-TEST_F(FillItem, FrameProblemsLeaveTheRowWithoutThumbnail) {
-    FakeMedia undecodable = seconds(10);
+TEST_F(FillItem, TheRoundedLengthPicksTheThumbnailFrameAndFrameProblemsLeaveNone) {
+    // 7 s in once the rounded length reaches 7 s, else the first frame; a length of -1 reads no frame.
+    FakeMedia noValue, minusOne, undecodable = seconds(10), undrawable = seconds(10);
+    noValue.durationHigh = kNoValue;
+    minusOne.durationLow = minusOne.durationHigh = -1;
     undecodable.decodes = false;
-    FakeMedia undrawable = seconds(10);
     undrawable.draws = false;
-    FakeMedia minusOne = seconds(0);
-    minusOne.durationLow = -1;
-    minusOne.durationHigh = -1;
-    for (const FakeMedia& m : {undecodable, undrawable, minusOne}) {
-        fill(m);
-        EXPECT_EQ(table.text(table.rows() - 1, FileCol::Thumbnail), QString());
+    const struct {
+        FakeMedia media;
+        bool seeks, thumbnail;
+        const char* cells; // the first of Duration, SrcDuration, TrimEndLow, TrimEndHigh, FileDuration
+    } cases[] = {
+        {seconds(6.4), false, true, ""},
+        {seconds(6.5), false, true, ""}, // ties to even
+        {seconds(6.6), true, true, ""},
+        {seconds(7.0), true, true, ""},
+        {seconds(120), true, true, ""},
+        // No value is a length of 0; the file's duration cell keeps the low word as read.
+        {noValue, false, true, "00:00:00|0.00|0|0|0"},
+        {minusOne, false, false, "00:00:00"},
+        {undecodable, true, false, ""},
+        {undrawable, true, false, ""},
+    };
+    using namespace FileCol;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.media.durationHigh << ":" << c.media.durationLow);
+        decoder.seeks.clear();
+        table.clearRows();
+        fill(c.media);
+        ASSERT_EQ(table.rows(), 1);
+        EXPECT_EQ(decoder.seeks, c.seeks ? QList<std::int64_t>{7000000} : QList<std::int64_t>{});
+        EXPECT_EQ(!table.text(0, Thumbnail).isEmpty(), c.thumbnail);
+        const QStringList wanted = QString::fromLatin1(c.cells).split('|', Qt::SkipEmptyParts);
+        EXPECT_EQ(cells({Duration, SrcDuration, TrimEndLow, TrimEndHigh, FileDuration}).mid(0, wanted.size()),
+                  wanted);
     }
-    EXPECT_EQ(table.rows(), 3);
-    EXPECT_EQ(thumbnails(), 0);
+    EXPECT_EQ(thumbnails(), 6); // none for the frames that failed
     EXPECT_TRUE(Report_Entries().isEmpty());
-    EXPECT_EQ(table.text(2, FileCol::Duration), QStringLiteral("00:00:00"));
 }
 
 TEST_F(FillItem, RunTimeErrorKeepsThePartialRowAndReportsItsDescription) {
