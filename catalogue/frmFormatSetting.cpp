@@ -253,9 +253,11 @@ QWidget* frmFormatSetting::buildPresetBox() {
     m_new = new QPushButton(Skin_Icon(QStringLiteral("img_add_preset")), QString(), m_presetBox);
     m_new->setObjectName(QStringLiteral("Cmd_PanelList_1"));
     m_new->setToolTip(QStringLiteral("New preset"));
+    m_new->setProperty("skinRole", QStringLiteral("img_add_preset")); // loaded again after a theme switch
     m_delete = new QPushButton(Skin_Icon(QStringLiteral("img_remove_preset")), QString(), m_presetBox);
     m_delete->setObjectName(QStringLiteral("Cmd_PanelList_0"));
     m_delete->setToolTip(QStringLiteral("Delete preset"));
+    m_delete->setProperty("skinRole", QStringLiteral("img_remove_preset"));
 
     m_listMenu = new QMenu(this);
     m_listMenu->setObjectName(QStringLiteral("mnuList"));

@@ -187,6 +187,7 @@ void MergePipeline::Timer_FFmpeg_Tick() {
         Merge_ErrorText = QStringLiteral("The operation is canceled! Please try again.");
         Merge_KillChild();
     }
+    if (ticked) ticked();
 }
 
 void MergePipeline::Cancel() {

@@ -41,6 +41,8 @@ public:
     std::function<bool()> cancelRequested;
     // The wait window of the merge ("Finalizing Progress..."), shown and closed through the host.
     std::function<void(bool show)> showWait;
+    // After each poll, with Merge_ResultText and Merge_Time read: the diagnostics window shows them.
+    std::function<void()> ticked;
 
     void Merge_SetPaths();
     void Merge_AddFile(const QString& path);

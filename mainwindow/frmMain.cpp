@@ -21,10 +21,13 @@
 #include "frmWait.h"
 #include "mMain.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QEvent>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -34,6 +37,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QTableView>
 #include <QToolButton>
@@ -216,8 +220,9 @@ QWidget* frmMain::buildInfoPanel() {
     picPreview = new QLabel;
     picPreview->setObjectName(QStringLiteral("picPreview"));
     picPreview->setAlignment(Qt::AlignCenter);
-    picPreview->setFixedHeight(180);
+    picPreview->setFixedHeight(kPreviewHeight);
     picPreview->setMinimumWidth(240);
+    panel->installEventFilter(this); // the picture gives way on a short window
     picPreview->setStyleSheet(
         QStringLiteral("QLabel#picPreview { background: #1e1e1e; border-radius: 6px; }"));
     picPreview->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -254,8 +259,21 @@ QWidget* frmMain::buildInfoPanel() {
         grid->addWidget(value, i, 1);
     }
     grid->setColumnStretch(1, 1);
-    column->addLayout(grid);
-    column->addStretch(1);
+    grid->setRowStretch(kInfoEntries, 1);
+    // On a short window the rows scroll rather than run into each other and the picture.
+    auto* rows = new QWidget;
+    rows->setObjectName(QStringLiteral("Pic_InputInfoRows"));
+    rows->setLayout(grid);
+    grid->setContentsMargins(0, 0, 0, 0);
+    auto* scroll = new QScrollArea;
+    scroll->setObjectName(QStringLiteral("Scroll_InputInfo"));
+    scroll->setWidget(rows);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->viewport()->setAutoFillBackground(false);
+    rows->setAutoFillBackground(false);
+    column->addWidget(scroll, 1);
     return panel;
 }
 
@@ -282,10 +300,8 @@ QWidget* frmMain::buildBottomBar() {
     grid->addWidget(Txt_OutputPath, 0, 1);
     Cmd_FileListView[Btn_BrowseOutput] = makeButton(QStringLiteral("Browse..."), QStringLiteral("img_browse"),
                                                     QStringLiteral("Choose the output folder"));
-    Cmd_FileListView[Btn_OpenOutput] =
-        makeButton(QStringLiteral("Open"), QString(), QStringLiteral("Open the output folder"));
-    Cmd_FileListView[Btn_OpenOutput]->setIcon(
-        QIcon::fromTheme(QStringLiteral("folder-open"), Skin_Icon(QStringLiteral("img_browse"))));
+    Cmd_FileListView[Btn_OpenOutput] = makeButton(QStringLiteral("Open"), QStringLiteral("img_browse"),
+                                                  QStringLiteral("Open the output folder"));
     auto* folderButtons = new QHBoxLayout;
     folderButtons->addWidget(Cmd_FileListView[Btn_BrowseOutput]);
     folderButtons->addWidget(Cmd_FileListView[Btn_OpenOutput]);
@@ -384,6 +400,7 @@ void frmMain::Timer_StartUp_Tick() {
     }
     Cmd_FileListView[Btn_Add]->setEnabled(true);
     m_startUpDone = true;
+    if (m_seams.tagHint) Timer_Tags.start();
 }
 
 // ---- State.
@@ -474,16 +491,31 @@ void frmMain::Show_InputFileInfo(int row) {
         return;
     }
     Info_Row = row;
-    const QString thumbnail = m_table.text(row, FileCol::Thumbnail);
-    const QPixmap picture(thumbnail);
+    Cmd_PlayPreview->setVisible(Get_ConversionState() == Conversion_Idle);
+    drawThumbnail();
+}
+
+void frmMain::drawThumbnail() {
+    const QPixmap picture(Info_Row < m_table.rows() ? m_table.text(Info_Row, FileCol::Thumbnail) : QString());
     if (picture.isNull())
         picPreview->clear();
     else
         picPreview->setPixmap(
             picture.scaled(picPreview->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
-    Cmd_PlayPreview->setVisible(Get_ConversionState() == Conversion_Idle);
     Cmd_PlayPreview->move((picPreview->width() - Cmd_PlayPreview->sizeHint().width()) / 2,
                           (picPreview->height() - Cmd_PlayPreview->sizeHint().height()) / 2);
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    // Half of the information panel for the picture, within 90 .. 180 pixels.
+    if (event->type() == QEvent::Resize && watched == picPreview->parentWidget()) {
+        const int height = std::clamp(static_cast<QWidget*>(watched)->height() / 2, 90, kPreviewHeight);
+        if (height != picPreview->height()) {
+            picPreview->setFixedHeight(height);
+            if (!picPreview->pixmap().isNull()) drawThumbnail();
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 namespace {

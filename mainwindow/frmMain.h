@@ -21,7 +21,9 @@
 #include "Main_State.h"
 #include "OutputBrowser.h"
 #include "PopupTray_Mod.h"
+#include "PopupWindow.h"
 #include "VideoConverter_Mods.h"
+#include "frmDiagnose.h"
 #include "frmWait.h"
 
 #include <QGuiApplication>
@@ -68,6 +70,7 @@ struct MainSeams {
     std::function<QString(const QString& start)> chooseDiscFolder;
     // The edit window, shown; likewise.
     std::function<void(frmEditVideo& window)> editWindow;
+    bool tagHint = true; // the getting-started hint a moment after the start
 };
 
 class frmMain : public QMainWindow {
@@ -102,6 +105,9 @@ public:
     // the desktop the window stays.
     void Tray_Toggle();
     const TrayState& tray() const { return m_tray; }
+    PopupWindow& tagPopup() { return *m_tagPopup; }
+    PopupWindow& donePopup() { return *m_donePopup; }
+    ConversionHost& conversionHost();
     QSystemTrayIcon* trayIcon() const { return TrayIcon; }
 
     // The command channel's mailbox: a text handed over by a second start or a sibling program. The
@@ -115,6 +121,15 @@ public:
     QMenu* discMenu() const { return mnuDiscs; }
     // The theme menu: 1 Light, 2 Dark.
     void mnutheme_Click(int index);
+
+    // ---- The diagnostics test bench (frmMain_Diagnose.cpp).
+    // The menu's "Diagnostics...": the bench, made on the first call, shown and brought to the front.
+    void Cmd_Diagnose_Click();
+    // The press on Convert, as the user's.
+    void StartTesting();
+    // A line of the encoder's log for the bench's log pane; dropped while the bench is not shown.
+    void Diagnose_Log(const QString& text);
+    frmDiagnose* diagnoseWindow() const { return m_diagnose; }
 
     // ---- Closing.
     bool Form_QueryUnload();
@@ -179,7 +194,11 @@ private:
     void removeAll();
     void chooseOutputFolder();
     void openOutputFolder();
+    void openFinishedOutput(); // the merged file selected, else the output folder
     void fillBlankOutput();
+    void drawThumbnail(); // the shown row's picture at the picture box's size
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    static constexpr int kPreviewHeight = 180;
     void showCompletion();
     void loadBrowser();
     void browserChanged();
@@ -202,6 +221,11 @@ private:
     OutputBrowser m_browser{m_catalogue, m_settings};
     FileViewMain m_table;
     std::unique_ptr<Host> m_host;
+    // Top-level popups without a parent, so that the done note shows while the window hides in the
+    // tray. The hint and the command channel's overlay share one.
+    std::unique_ptr<PopupWindow> m_tagPopup = std::make_unique<PopupWindow>();
+    std::unique_ptr<PopupWindow> m_donePopup = std::make_unique<PopupWindow>();
+    QTimer Timer_Tags;
     std::unique_ptr<VideoConverter> m_converter;
     std::unique_ptr<EncoderListener> m_events; // forwards to the converter, then refreshes the views
     MergePipeline m_merge;
@@ -236,6 +260,7 @@ private:
     QList<DiscMenuEntry> m_discMenu;
     std::array<QAction*, 15> m_menuEntries{};
     QPointer<frmWait> m_wait;
+    QPointer<frmDiagnose> m_diagnose;
     frmReportList* m_report = nullptr;
 
     QTimer Timer_StartUp;

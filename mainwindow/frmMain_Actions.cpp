@@ -89,6 +89,11 @@ void frmMain::buildMenus() {
     }
     m_menuEntries[13]->setShortcut(QKeySequence::Preferences);
     addAction(m_menuEntries[13]);
+    // The test bench stands with the tools, before About.
+    auto* diagnose = new QAction(QStringLiteral("Diagnostics..."), this);
+    diagnose->setObjectName(QStringLiteral("Cmd_Diagnose"));
+    mnuMenu->insertAction(m_menuEntries[14], diagnose);
+    connect(diagnose, &QAction::triggered, this, &frmMain::Cmd_Diagnose_Click);
 
     // The theme menu, the current theme checked.
     mnuMenu->addSeparator();
@@ -164,6 +169,17 @@ void frmMain::setupConnections() {
             connect(Cmd_FileListView[i], &QPushButton::clicked, this,
                     [this, i] { Cmd_FileListView_Click(i); });
     connect(&Timer_StartUp, &QTimer::timeout, this, &frmMain::Timer_StartUp_Tick);
+    // Once, a moment after the start: the getting-started hint, for a list that is still empty.
+    Timer_Tags.setSingleShot(true);
+    Timer_Tags.setInterval(1000);
+    connect(&Timer_Tags, &QTimer::timeout, this, [this] {
+        if (m_table.rows() == 0 && isVisible() && !m_tray.In_Tray) Show_TagHint(*m_tagPopup, frameGeometry());
+    });
+    connect(m_donePopup.get(), &PopupWindow::linkActivated, this, [this](int id) {
+        if (id != kOpenOutputLink) return;
+        m_donePopup->closePopup();
+        openFinishedOutput();
+    });
     connect(&Timer_ConversionElapsed, &QTimer::timeout, this, &frmMain::Timer_ConversionElapsed_Tick);
 
     connect(m_list, &FileListView::removeRequested, this, [this] { Cmd_FileListView_Click(Btn_Remove); });
@@ -214,6 +230,7 @@ void frmMain::Cmd_FileListView_Click(int index) {
     switch (index) {
     case Btn_Add:
         if (Get_ConversionState() != Conversion_Idle) return;
+        m_tagPopup->closePopup();
         importFiles(QString());
         m_list->setDropHintVisible(false);
         break;
@@ -315,13 +332,15 @@ void frmMain::showCompletion() {
         return;
     }
     frmMsg dialog(this);
-    connect(&dialog, &frmMsg::openOutputRequested, this, [this] {
-        if (Chk_Merge->isChecked() && !m_merge.Merge_OutputPath.isEmpty())
-            Open_Folder(this, m_merge.Merge_OutputPath, true, false);
-        else
-            Open_Folder(this, Txt_OutputPath->text(), false, false);
-    });
+    connect(&dialog, &frmMsg::openOutputRequested, this, &frmMain::openFinishedOutput);
     dialog.exec();
+}
+
+void frmMain::openFinishedOutput() {
+    if (Chk_Merge->isChecked() && !m_merge.Merge_OutputPath.isEmpty())
+        Open_Folder(this, m_merge.Merge_OutputPath, true, false);
+    else
+        Open_Folder(this, Txt_OutputPath->text(), false, false);
 }
 
 // ---- The output choice: the browser, the preset settings, favorites and search.
@@ -558,6 +577,9 @@ bool frmMain::Form_QueryUnload() {
 
 void frmMain::Form_Unload() {
     Timer_GetActiveForm_Stop();
+    Timer_Tags.stop();
+    m_tagPopup->closePopup();
+    m_donePopup->closePopup();
     Timer_TrayIcon.stop();
     if (TrayIcon) TrayIcon->hide();
     if (m_unloaded) return;
@@ -817,6 +839,7 @@ TrayHost frmMain::trayHost() {
     h.title = windowTitle();
     h.conversionState = [this] { return Get_ConversionState(); };
     h.progressText = [this] { return ProgressBar_Total ? ProgressBar_Total->text() : QString(); };
+    h.closeTagPopup = [this] { m_tagPopup->closePopup(); };
     h.windowHandle = [this] { return QString::number(winId()); };
     h.mailbox = [] { return Instance_Channel::Socket_Path(Instance_Channel::Program_Name()); };
     h.writeSetting = [](const QString& key, const QString& value) {
@@ -959,6 +982,10 @@ QStringList frmMain::Host::Show_Open(const OpenDialogRequest& request) {
         dialog.selectNameFilter(filters.at(request.filterIndex - 1));
     if (dialog.exec() != QDialog::Accepted) return {};
     return dialog.selectedFiles();
+}
+
+ConversionHost& frmMain::conversionHost() {
+    return *m_host;
 }
 
 } // namespace morvane

@@ -42,6 +42,9 @@ public:
     void Restore_FromTray() override;
     void Tray_SetTip(const QString& tip) override;
     void Tray_SetDoneIcon() override;
+    void Show_Popup(int animateDelay, int showDelay, int transparency) override {
+        Show_DonePopup(*w.m_donePopup, animateDelay, showDelay, transparency);
+    }
     void Run_Shutdown(const QString& command) override;
     void Unload_Main() override;
 
@@ -72,8 +75,10 @@ public:
     quint64 Main_WindowHandle() override { return static_cast<quint64>(w.winId()); }
     quint64 Active_WindowHandle() override;
     void Hide_DragDrop() override { Set_DropHintVisible(false); }
-    // The tray's popups come with the desktop services; until then an overlay order shows nothing.
-    void Show_TagPopup(const QString&, const QString&, const QString&, const QString&) override {}
+    void Show_TagPopup(const QString& imagePath, const QString& showDelay, const QString& animateDelay,
+                       const QString& effect) override {
+        morvane::Show_TagPopup(*w.m_tagPopup, imagePath, showDelay, animateDelay, effect);
+    }
 
     // ---- FileDialog: the Add dialog; DiscFolderDialog: "Load DVD Folder...".
     QStringList Show_Open(const OpenDialogRequest& request) override;

@@ -1,9 +1,12 @@
 #include "Cli_Options.h"
 
+#include <utility>
+
 namespace morvane {
 
 QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
     bool onlyInputs = false; // after "--" every word is a path, even one starting with "-"
+    bool queryWord = false;  // the test query came as the word after the option
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& word = arguments.at(i);
         if (onlyInputs || !word.startsWith(QLatin1Char('-')) || word == QLatin1String("-")) {
@@ -69,6 +72,14 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
                 options.listQuery = value;
             else if (i + 1 < arguments.size() && !arguments.at(i + 1).startsWith(QLatin1Char('-')))
                 options.listQuery = arguments.at(++i); // the query is optional
+        } else if (name == QLatin1String("--test-presets")) {
+            options.testPresets = true;
+            queryWord =
+                !inlineValue && i + 1 < arguments.size() && !arguments.at(i + 1).startsWith(QLatin1Char('-'));
+            if (inlineValue)
+                options.testQuery = value;
+            else if (queryWord)
+                options.testQuery = arguments.at(++i);
         } else if (name == QLatin1String("--dry-run") || name == QLatin1String("-n")) {
             options.dryRun = true;
         } else if (name == QLatin1String("--verbose") || name == QLatin1String("-v")) {
@@ -78,6 +89,16 @@ QString Cli_Parse(const QStringList& arguments, CliOptions& options) {
         }
     }
     if (options.help || options.version || options.listPresets) return QString();
+    if (options.testPresets) {
+        // "--test-presets FILE": with nothing after it, the word was the file, not a query.
+        if (options.inputs.isEmpty() && queryWord)
+            options.inputs << std::exchange(options.testQuery, QString());
+        if (options.inputs.isEmpty()) return QStringLiteral("--test-presets needs a file to convert");
+        if (!options.preset.isEmpty() || !options.sets.isEmpty() || !options.output.isEmpty() ||
+            options.merge || options.dryRun)
+            return QStringLiteral("--test-presets takes no --preset, --set, --output, --merge or --dry-run");
+        return QString();
+    }
     if (options.inputs.isEmpty()) return QStringLiteral("no files or folders given");
     if (options.preset.isEmpty()) return QStringLiteral("--preset is required");
     return QString();
@@ -102,6 +123,9 @@ QString Cli_HelpText(const QString& program) {
                "  --parallel N           convert N files at a time\n"
                "  --overwrite, --rename  what to do with an existing output file\n"
                "  --list-presets [QUERY] list presets as \"Name | Maker | Keyword\"\n"
+               "  --test-presets [QUERY] convert the first file with every preset (or those the\n"
+               "                         QUERY finds, as --list-presets) into a temporary folder\n"
+               "                         and list on standard output the presets that fail\n"
                "  --dry-run              show what would run, convert nothing\n"
                "  --verbose              show the encoders' own log (settings, statistics)\n"
                "  --help                 show this text\n"
@@ -110,7 +134,8 @@ QString Cli_HelpText(const QString& program) {
                "Folders are searched recursively for supported files.\n"
                "INT, TERM, HUP and QUIT stop the run as a press on Stop does: unfinished outputs\n"
                "are deleted.\n"
-               "Exit status: 0 all converted, 1 some failed or stopped, 2 usage error.\n")
+               "Exit status: 0 all converted (all presets passed), 1 some failed or stopped,\n"
+               "2 usage error.\n")
         .arg(program);
 }
 

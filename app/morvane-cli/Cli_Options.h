@@ -20,6 +20,8 @@ struct CliOptions {
     int nameMode = -1; // -1 the saved rule, 0 overwrite, 1 rename
     bool listPresets = false;
     QString listQuery;
+    bool testPresets = false; // --test-presets: every preset (or the QUERY's) tried on the first file
+    QString testQuery;
     bool dryRun = false;
     bool verbose = false; // the encoders' own log on standard error
     bool help = false;

@@ -1,5 +1,7 @@
 #include "Cli_Settings.h"
 
+#include "Preset_Mods.h"
+
 #include <QStringList>
 
 #include <array>
@@ -105,6 +107,20 @@ QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QStrin
         return selectIn(settings, each.list, value);
     }
     return QStringLiteral("unknown field; fields are ") + Cli_SetFields();
+}
+
+void Cli_ApplyPreset(FormatSetting& settings, OutputBrowser& browser, const CatalogueTable& presets,
+                     qsizetype row) {
+    settings.Preset_Apply(row);
+    const QString maker = Cell_Get(presets, row, QStringLiteral("Maker"));
+    if (maker == QLatin1String("VideoFormat"))
+        browser.PanelActive = Panel_VideoFormats;
+    else if (maker == QLatin1String("AudioFormat"))
+        browser.PanelActive = Panel_AudioFormats;
+    else if (maker == QLatin1String("WebFormat"))
+        browser.PanelActive = Panel_WebFormats;
+    else
+        browser.PanelActive = Panel_Devices;
 }
 
 } // namespace morvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "FormatSetting.h"
+#include "OutputBrowser.h"
 
 #include <QString>
 
@@ -13,5 +14,9 @@ QString Cli_SetFields();
 // Sets one field; "" on success, else why not (an unknown field, a value the preset does not offer,
 // listed with the values it does, or a value the preset locks).
 QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QString& value);
+// Applies a row of the preset table as the browser applies it: its values into the settings, and the
+// panel of its maker, which decides what the conversion keeps of the streams.
+void Cli_ApplyPreset(FormatSetting& settings, OutputBrowser& browser, const CatalogueTable& presets,
+                     qsizetype row);
 
 } // namespace morvane

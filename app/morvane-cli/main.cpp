@@ -7,6 +7,7 @@
 #include "Cli_Options.h"
 #include "Cli_Progress.h"
 #include "Cli_Settings.h"
+#include "Cli_TestPresets.h"
 #include "Effect_Chain.h"
 #include "FFDecoder.h"
 #include "FFEncoderEngine.h"
@@ -135,13 +136,6 @@ QList<qsizetype> resolvePreset(const CatalogueTable& presets, const QString& nam
     return exact.isEmpty() ? searchRows(presets, name) : exact;
 }
 
-int panelOf(const QString& maker) {
-    if (maker == QLatin1String("VideoFormat")) return Panel_VideoFormats;
-    if (maker == QLatin1String("AudioFormat")) return Panel_AudioFormats;
-    if (maker == QLatin1String("WebFormat")) return Panel_WebFormats;
-    return Panel_Devices;
-}
-
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -183,11 +177,14 @@ int main(int argc, char* argv[]) {
         return rows.isEmpty() ? Exit_Failed : Exit_Done;
     }
 
-    const QList<qsizetype> candidates = resolvePreset(presets, options.preset);
-    if (candidates.size() != 1) {
+    // Under test, every preset the query finds; otherwise the one preset named.
+    const QList<qsizetype> candidates =
+        options.testPresets ? searchRows(presets, options.testQuery) : resolvePreset(presets, options.preset);
+    if (options.testPresets ? candidates.isEmpty() : candidates.size() != 1) {
+        const QString query = options.testPresets ? options.testQuery : options.preset;
         err(candidates.isEmpty()
-                ? QStringLiteral("no preset matches \"%1\"").arg(options.preset)
-                : QStringLiteral("\"%1\" matches %2 presets:").arg(options.preset).arg(candidates.size()));
+                ? QStringLiteral("no preset matches \"%1\"").arg(query)
+                : QStringLiteral("\"%1\" matches %2 presets:").arg(query).arg(candidates.size()));
         for (qsizetype row : candidates)
             err(QStringLiteral("  ") + presetLine(presets, row));
         return Exit_Usage;
@@ -195,7 +192,7 @@ int main(int argc, char* argv[]) {
     const qsizetype presetRow = candidates.first();
     FormatSetting settings{catalogue};
     OutputBrowser browser{catalogue, settings};
-    settings.Preset_Apply(presetRow);
+    Cli_ApplyPreset(settings, browser, presets, presetRow);
     for (const auto& [field, value] : options.sets) {
         const QString refusal = Cli_ApplySet(settings, field, value);
         if (!refusal.isEmpty()) {
@@ -217,13 +214,13 @@ int main(int argc, char* argv[]) {
             return Exit_Usage;
         }
     }
-    browser.PanelActive = panelOf(Cell_Get(presets, presetRow, QStringLiteral("Maker")));
     browser.mergeChecked = options.merge;
-    err(QStringLiteral("preset: ") + presetLine(presets, presetRow));
+    if (!options.testPresets) err(QStringLiteral("preset: ") + presetLine(presets, presetRow));
 
     // Import: every file probed; refusals land in the report, kept apart because the end of the
     // queue rebuilds the report from the list.
-    const CliInputs inputs = Cli_CollectInputs(options.inputs);
+    CliInputs inputs = Cli_CollectInputs(options.inputs);
+    if (options.testPresets) inputs.files = inputs.files.mid(0, 1); // the first file only
     for (const QString& path : inputs.skipped)
         err(QStringLiteral("skipped (unsupported type): ") + path);
     FileViewMain table;
@@ -259,6 +256,21 @@ int main(int argc, char* argv[]) {
     if (options.parallel > 0) {
         converter.chkThreadMode = true;
         converter.txtThreadCount = QString::number(options.parallel);
+    }
+
+    if (options.testPresets) {
+        const auto live = [](const QString& text) {
+            if (text.isEmpty())
+                terminal().endLive();
+            else
+                terminal().live(text);
+        };
+        const auto print = [](const QString& text) {
+            terminal().endLive(); // standard output must not land behind the live line
+            out(text);
+        };
+        return Cli_TestPresets({catalogue, settings, browser, table, converter, candidates,
+                                [] { return interrupted != 0; }, print, err, live});
     }
 
     if (options.dryRun) {

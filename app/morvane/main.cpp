@@ -2,6 +2,7 @@
 
 #include "Globals.h"
 #include "Instance_Channel.h"
+#include "PopupWindow.h"
 #include "Registry_Mod.h"
 #include "Skin_Icons.h"
 #include "Skin_Theme.h"
@@ -85,6 +86,10 @@ int main(int argc, char* argv[]) {
     const QStringList arguments = QApplication::arguments().mid(1);
     Instance_Channel channel({});
     if (channel.Find_PrevInstance(Instance_Channel::Program_Name(), arguments.value(0))) return 0;
+
+    // The start picture closes by itself; nothing waits on it.
+    PopupWindow splash;
+    Show_Splash(splash);
 
     frmMain window;
     channel.setHandler([&window](const QString& text) { window.Mailbox_Changed(text); });

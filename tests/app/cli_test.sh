@@ -32,6 +32,20 @@ check "a parallel count that is no number is a usage error" $?
 [ $rc -eq 0 ] && grep -qx "$preset | VideoFormat | MP4" "$work/out" && ! grep -v "320 x 240" "$work/out" | grep -q .
 check "--list-presets QUERY lists only matching presets as Name | Maker | Keyword" $?
 
+# The preset test on the first file: without sound the audio preset of the two that "Portable" finds
+# fails, with the reason; nothing converted is left anywhere.
+ffmpeg -nostdin -loglevel error -y -f lavfi -i testsrc2=size=160x120:rate=25:duration=1 -c:v mpeg4 "$work/silent.mp4"
+"$cli" --test-presets Portable "$work/silent.mp4" "$work/clip1.mp4" >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 1 ] && [ "$(wc -l <"$work/out")" -eq 2 ] && tail -n 1 "$work/out" | grep -qx "1 of 2 presets failed" &&
+    grep -q "^WMA - Portable (64 kbps)   .*does not contain any stream" "$work/out" &&
+    [ -z "$(find "$work" -iname '*.wmv' -o -iname '*.wma')" ]
+check "--test-presets QUERY prints each failing preset with its reason and the count, and keeps no output" $?
+"$cli" --test-presets Portable "$work/clip1.mp4" >"$work/out" 2>/dev/null; rc=$?
+[ $rc -eq 0 ] && [ "$(cat "$work/out")" = "0 of 2 presets failed" ]; check "--test-presets with all passing exits 0" $?
+"$cli" --test-presets Portable 2>"$work/err"; rc=$?
+[ $rc -eq 1 ] && grep -q "Portable: No such file" "$work/err"; check "--test-presets WORD takes a lone word for the file" $?
+"$cli" --test-presets 2>/dev/null; [ $? -eq 2 ]; check "--test-presets without a file is a usage error" $?
+
 "$cli" --preset "$preset" --output "$work/dry" --dry-run "$work/clip1.mp4" "$work/clip2.mp4" >"$work/out" 2>/dev/null
 rc=$?
 [ $rc -eq 0 ] && [ "$(grep -c '^arguments: .*-vcodec mpeg4' "$work/out")" -eq 2 ] &&

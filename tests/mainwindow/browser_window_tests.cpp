@@ -20,6 +20,7 @@
 #include "OutputBrowserView.h"
 #include "Registry_Mod.h"
 #include "Report_List.h"
+#include "Skin_Icons.h"
 #include "Skin_Theme.h"
 #include "Sub_Main.h"
 #include "VideoSurface.h"
@@ -417,6 +418,32 @@ TEST_F(MainWindow, TerminationSignalEndsTheRunAsExitDoesAndLeavesNoPartialOutput
     EXPECT_TRUE(closeDialogs == 0 && messages.isEmpty()); // no question: a signal is no click
 }
 
+// The getting-started hint comes once after the start and goes with Add; the command channel's overlay
+// and the note at a batch's end share the window's popups; the note's link opens the output folder.
+TEST_F(MainWindow, PopupsComeAndGoWithTheirCauses) {
+    auto w = loadedWindow();
+    ASSERT_TRUE(waitFor([&] { return w->tagPopup().isShowing(); }, 3000));
+    nextChoice.clear(); // the dialog is cancelled
+    w->button(Btn_Add)->click();
+    EXPECT_FALSE(w->tagPopup().isShowing());
+
+    const QString picture = media.filePath(QStringLiteral("overlay.png"));
+    QImage(64, 48, QImage::Format_RGB32).save(picture);
+    w->Mailbox_Changed(QStringLiteral("@ImageOverlay:%1/3000/100/slide").arg(picture));
+    EXPECT_TRUE(w->tagPopup().isShowing());
+    EXPECT_EQ(w->tagPopup().props().Animation, 2);
+    w->Mailbox_Changed(QStringLiteral("@ImageOverlay:%1/3000/100/fade").arg(media.filePath("none.png")));
+    EXPECT_FALSE(w->tagPopup().isShowing()) << "a missing picture shows nothing";
+
+    w->conversionHost().Show_Popup(250, 5000, 255);
+    ASSERT_TRUE(w->donePopup().isShowing());
+    launched.clear();
+    emit w->donePopup().linkActivated(kOpenOutputLink);
+    EXPECT_FALSE(w->donePopup().isShowing());
+    ASSERT_EQ(launched.size(), 1);
+    EXPECT_TRUE(launched.first().contains(QDir::cleanPath(Path_Output))) << launched.first().toStdString();
+}
+
 TEST(MainWindowFilter, DialogFilterInQtForm) {
     EXPECT_EQ(Qt_DialogFilter(
                   QStringLiteral("Matroska Video (*.mkv)|*.mkv;|Quick Time Files (*.mov;*.qt)|*.mov;*.qt;")),
@@ -732,6 +759,15 @@ TEST_F(BrowserWindow, ThemeSwitchRestylesAndKeepsTheChoice) {
     EXPECT_TRUE(view->groupButton(Panel_VideoFormats, pressed)->isChecked());
     EXPECT_NE(view->groupButton(Panel_VideoFormats, 0)->icon().pixmap(44, 44).toImage(), darkPicture);
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+    // Every button picture follows, the settings window's and the folder buttons' among them.
+    for (const char* name :
+         {"Cmd_FileListView_5", "Cmd_FileListView_7", "Cmd_PanelList_1", "Cmd_PanelList_0"}) {
+        auto* button = w->findChild<QAbstractButton*>(QLatin1String(name));
+        ASSERT_NE(button, nullptr) << name;
+        const QString role = button->property("skinRole").toString();
+        ASSERT_FALSE(role.isEmpty()) << name;
+        EXPECT_EQ(button->icon().cacheKey(), Skin_Icon(role).cacheKey()) << name;
+    }
 
     // The checked theme again: nothing happens.
     const QString lightSheet = qApp->styleSheet();
