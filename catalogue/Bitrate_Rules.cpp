@@ -143,6 +143,15 @@ QString adpcmTable(const QString& sampleRate, const QString& channels) {
     return QString();
 }
 
+// Opus is offered at 48000 Hz alone, the rate it always decodes at; other rates get no bitrates.
+QString opusList(const QString& sampleRate, const QString& channels) {
+    if (sampleRate != QLatin1String("48000 Hz")) return QString();
+    if (channels == QLatin1String("Mono")) return QStringLiteral("32 kbps;48 kbps;64 kbps;96 kbps;128 kbps;");
+    if (channels == QLatin1String("Stereo"))
+        return QStringLiteral("32 kbps;48 kbps;64 kbps;96 kbps;128 kbps;160 kbps;192 kbps;256 kbps;");
+    return QString();
+}
+
 } // namespace
 
 std::int32_t Auto_VideoBitrate(std::int32_t width, std::int32_t height, const QString& rateText,
@@ -211,6 +220,7 @@ QString AudioBitrate_List(const QString& codec, const QString& sampleRate, const
     if (name == QLatin1String("AMR ACELP")) return QString::fromLatin1(kAudioLists[38]);
     if (name == QLatin1String("MS GSM 6.10")) return QStringLiteral("13 kbps;");
     if (name == QLatin1String("FLAC")) return QStringLiteral("768 kbps;");
+    if (name == QLatin1String("Opus")) return opusList(sampleRate, channels);
     if (name == QLatin1String("No Audio"))
         return sampleRate == QLatin1String("-") ? QStringLiteral("-;") : QString();
     if (name == QLatin1String("PCM little-endian") || name == QLatin1String("PCM big-endian"))

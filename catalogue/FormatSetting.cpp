@@ -31,6 +31,19 @@ QString listSource(const QString& cell, const char* libraryMark, int libraryKind
     return cell == QLatin1String(libraryMark) ? Library_List(libraryKind) : cell;
 }
 
+// The entries of a size list that fit within the bounds; "Original", "Custom" and the like stay.
+// A size beyond them would only be clamped by the spinners into a different picture.
+QString sizesWithin(const QString& list, int maxWidth, int maxHeight) {
+    QString kept;
+    for (const QString& item : Split_SemicolonList(list)) {
+        const QStringList sides = item.split(kSizeSeparator);
+        if (sides.size() == 2 && (numberOf(sides.at(0)) > maxWidth || numberOf(sides.at(1)) > maxHeight))
+            continue;
+        kept += item + QLatin1Char(';');
+    }
+    return kept;
+}
+
 } // namespace
 
 QString Quality_Text(int radio) {
@@ -124,13 +137,18 @@ void FormatSetting::videoCodecChanged() {
     List_FillFromRow(formats, row, QStringLiteral("FileExtention"), Combo_OutputFile[List_Extension]);
     List_Fill(listSource(Cell_Get(formats, row, QStringLiteral("AspectRatio")), "UseAspectRatioLib", 3),
               Combo_OutputFile[List_Aspect]);
-    List_Fill(listSource(Cell_Get(formats, row, QStringLiteral("FrameSize")), "UseFrameLib", 1),
+    const int maxWidth = numberOf(Cell_Get(formats, row, QStringLiteral("MaxWidth")));
+    const int maxHeight = numberOf(Cell_Get(formats, row, QStringLiteral("MaxHeight")));
+    const QString sizes = Cell_Get(formats, row, QStringLiteral("FrameSize"));
+    // The library serves formats of every bound; a row's own list is taken as written.
+    List_Fill(sizes == QLatin1String("UseFrameLib") ? sizesWithin(Library_List(1), maxWidth, maxHeight)
+                                                    : sizes,
               Combo_OutputFile[List_FrameSize]);
 
     Txt_OutputVideoWidth.minimum = 0;
     Txt_OutputVideoHeight.minimum = 0;
-    Txt_OutputVideoWidth.maximum = numberOf(Cell_Get(formats, row, QStringLiteral("MaxWidth")));
-    Txt_OutputVideoHeight.maximum = numberOf(Cell_Get(formats, row, QStringLiteral("MaxHeight")));
+    Txt_OutputVideoWidth.maximum = maxWidth;
+    Txt_OutputVideoHeight.maximum = maxHeight;
     Txt_OutputVideoBitrate.maximum = numberOf(Cell_Get(formats, row, QStringLiteral("MaxVideoBitrate")));
     Txt_OutputVideoBitrate.minimum =
         Bitrate_Lower(widthValue(), heightValue(), Txt_OutputVideoBitrate.maximum);
@@ -336,6 +354,9 @@ void FormatSetting::Preset_Apply(qsizetype row) {
         // The size list follows the width box, whatever the list's own mark said.
         m_locked[List_FrameSize] = !Txt_OutputVideoWidth.enabled;
         afterListChange();
+        // The codec set the floor while the boxes still held the previous preset's size.
+        Txt_OutputVideoBitrate.minimum =
+            Bitrate_Lower(widthValue(), heightValue(), Txt_OutputVideoBitrate.maximum);
 
         Txt_Format = format;
         Txt_Keyword = cell("Keyword");
@@ -367,7 +388,8 @@ void FormatSetting::Preset_Apply(qsizetype row) {
         } else {
             List_Fill(VideoBitrate_List(widthValue(), heightValue(), Txt_OutputVideoBitrate.maximum),
                       bitrates);
-            selectListValue(List_VideoBitrate, bitrateCell + QStringLiteral(" kbps"), 0);
+            // A number off the ladder was typed under "Custom" (the list's last item): it stays so.
+            selectListValue(List_VideoBitrate, bitrateCell + QStringLiteral(" kbps"), 1);
             Spin_Set(bitrateCell, Txt_OutputVideoBitrate);
         }
 
@@ -528,11 +550,34 @@ void FormatSetting::deletePreset() {
         Table_RemoveSelected(presets, false);
     }
     if (presetsRemoved) presetsRemoved();
+    dropFromMainList(PresetList.at(presetListSelected).id);
     PresetList.removeAt(presetListSelected);
     presetListSelected = -1;
     deleteEnabled = false;
     renameEnabled = false;
     refreshPresetListLabels();
+    // As at a group press, the settings follow the main list's choice, which may have moved on.
+    const QString chosen = m_catalogue.Cmd_OutputPreset.selectedData();
+    for (qsizetype i = 0; i < PresetList.size() && !chosen.isEmpty(); ++i)
+        if (PresetList.at(i).id == chosen) {
+            PresetList_Select(i);
+            break;
+        }
+}
+
+void FormatSetting::dropFromMainList(const QString& id) {
+    ValueList& main = m_catalogue.Cmd_OutputPreset;
+    QList<ValueListItem> kept;
+    qsizetype selected = -1; // a deleted choice passes to the item after it, or to the last
+    for (qsizetype i = 0; i < main.count(); ++i) {
+        if (i == main.selectedIndex()) selected = kept.size();
+        if (main.items().at(i).data != id) kept.append(main.items().at(i));
+    }
+    main.clear();
+    for (const ValueListItem& item : kept)
+        main.addItem(item.text, item.data);
+    main.select(std::min(selected, main.count() - 1));
+    if (presetChosen) presetChosen(main.selectedIndex());
 }
 
 void FormatSetting::Cmd_Panel(int index) {
@@ -545,6 +590,7 @@ void FormatSetting::Cmd_Panel(int index) {
     for (const PresetListRow& entry : PresetList)
         presets.addItem(entry.name, entry.id);
     presets.select(presetListSelected);
+    if (presetChosen) presetChosen(presets.selectedIndex());
     const QString folder = Folder_UserPreset;
     if (!folder.isEmpty() && !QDir(folder).exists()) QDir().mkpath(folder);
     Table_SaveUserRows(m_catalogue.ReportControl_PresetMain, Folder_UserPreset + File_UserPreset, true);

@@ -75,6 +75,9 @@ public:
     std::function<QString(const QString& title, const QString& label)> askPresetName;
     // Runs after a preset was deleted, so that favorites that lost their preset go (the favorites strip).
     std::function<void()> presetsRemoved;
+    // Runs when the settings set the main list's choice (OK, or a delete), with its index, so that the
+    // browser remembers it for the open button as it does a pick in that list.
+    std::function<void(qsizetype index)> presetChosen;
 
     // ---- The lists, as the user or the program selects in them.
     void selectListValue(int list, const QString& value, int fallback); // through List_Select
@@ -117,6 +120,7 @@ private:
     void raiseToMinimum(SpinField& box);
     void setSizeBoxesVisible(bool visible);
     void refreshPresetListLabels();
+    void dropFromMainList(const QString& id);
     qsizetype selectedPresetRow() const;
     qsizetype formatRowOf(int list) const;
 

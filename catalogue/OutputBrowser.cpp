@@ -77,6 +77,7 @@ OutputBrowser::OutputBrowser(Catalogue& catalogue, FormatSetting& settings)
         ListBox_MakerNames.addItem(QLatin1String(maker));
     ListBox_MakerNames.select(0);
     m_settings.presetsRemoved = [this] { Favorites_Refresh(); };
+    m_settings.presetChosen = [this](qsizetype index) { rememberPreset(index); };
 }
 
 std::int16_t& OutputBrowser::storedButton(int panel) {
@@ -200,8 +201,12 @@ void OutputBrowser::presetChanged(qsizetype index) {
     list.select(index);
     m_settings.Preset_Apply(
         Row_Find(m_catalogue.ReportControl_PresetMain, QStringLiteral("ID"), list.selectedData()));
+    rememberPreset(index);
+}
+
+void OutputBrowser::rememberPreset(qsizetype index) {
     // Remembered for the group that is open: the open panel's, unless a search is on its way to another.
-    if (m_groupPanel == Panel_Favorites) return;
+    if (m_groupPanel == Panel_Favorites || index < 0) return;
     const std::int16_t button = storedButton(m_groupPanel);
     if (button >= 0 && button < PresetIndexSize)
         presetIndexes(m_groupPanel)->at(static_cast<size_t>(button)) = static_cast<std::int16_t>(index);

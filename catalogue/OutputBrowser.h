@@ -96,6 +96,7 @@ public:
 
 private:
     void openGroup(int panel, qsizetype button);
+    void rememberPreset(qsizetype index);
     void resetStrip(int panel);
     void addButton(int panel, const QString& caption, const QString& picture, const QString& maker);
     void scrollToChecked(int panel);

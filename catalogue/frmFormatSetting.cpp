@@ -347,7 +347,8 @@ void frmFormatSetting::connectNumberField(const NumberField& number) {
 }
 
 void frmFormatSetting::showListMenu(const QPoint& position) {
-    if (m_closing || !m_settings.panelListButtonsVisible) return;
+    // Devices and Favorites hide the new and delete buttons only; the menu serves every panel.
+    if (m_closing) return;
     if (m_presetList->itemAt(position) == nullptr) return;
     m_listMenu->popup(m_presetList->viewport()->mapToGlobal(position));
 }

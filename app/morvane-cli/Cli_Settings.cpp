@@ -58,8 +58,10 @@ QString selectIn(FormatSetting& settings, int list, const QString& value) {
     return QString();
 }
 
-// A number typed into a box, after "Custom" has shown the boxes, as a user would do it.
-QString typeNumber(FormatSetting& settings, int list, SpinField& box, const QString& value) {
+// A number typed into a box, after "Custom" has shown the boxes, as a user would do it; the box keeps
+// it within its limits, and `clamped` tells what it kept instead.
+QString typeNumber(FormatSetting& settings, int list, SpinField& box, const QString& value,
+                   QString& clamped) {
     bool ok = false;
     const int number = value.toInt(&ok);
     if (!ok || number < 0) return QStringLiteral("needs a whole number");
@@ -70,6 +72,8 @@ QString typeNumber(FormatSetting& settings, int list, SpinField& box, const QStr
     if (!box.enabled) return QStringLiteral("the preset fixes this value");
     settings.boxChanged(box, QString::number(number));
     settings.boxLeft(box);
+    if (box.text != QString::number(number))
+        clamped = QStringLiteral("%1 is beyond this preset's limits, %2 used").arg(number).arg(box.text);
     return QString();
 }
 
@@ -83,12 +87,13 @@ QString Cli_SetFields() {
     return names.join(QStringLiteral(", "));
 }
 
-QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QString& value) {
+QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QString& value, QString& clamped) {
+    clamped.clear();
     const QString name = field.toLower();
     if (name == QLatin1String("width"))
-        return typeNumber(settings, List_FrameSize, settings.Txt_OutputVideoWidth, value);
+        return typeNumber(settings, List_FrameSize, settings.Txt_OutputVideoWidth, value, clamped);
     if (name == QLatin1String("height"))
-        return typeNumber(settings, List_FrameSize, settings.Txt_OutputVideoHeight, value);
+        return typeNumber(settings, List_FrameSize, settings.Txt_OutputVideoHeight, value, clamped);
     if (name == QLatin1String("quality")) {
         for (const int radio : {Quality_High, Quality_Standard, Quality_SmallSize}) {
             if (Quality_Text(radio).compare(value, Qt::CaseInsensitive) != 0) continue;
@@ -103,7 +108,7 @@ QString Cli_ApplySet(FormatSetting& settings, const QString& field, const QStrin
         // A plain number for the video bitrate is typed into its box when the list has no such item.
         if (each.list == List_VideoBitrate &&
             findItem(settings.Combo_OutputFile[List_VideoBitrate], value) < 0 && value.toInt() > 0)
-            return typeNumber(settings, List_VideoBitrate, settings.Txt_OutputVideoBitrate, value);
+            return typeNumber(settings, List_VideoBitrate, settings.Txt_OutputVideoBitrate, value, clamped);
         return selectIn(settings, each.list, value);
     }
     return QStringLiteral("unknown field; fields are ") + Cli_SetFields();

@@ -174,7 +174,9 @@ int main(int argc, char* argv[]) {
         const QList<qsizetype> rows = searchRows(presets, options.listQuery);
         for (qsizetype row : rows)
             out(presetLine(presets, row));
-        return rows.isEmpty() ? Exit_Failed : Exit_Done;
+        // A query that finds nothing is answered as an unknown --preset is: a word and status 2.
+        if (rows.isEmpty()) err(QStringLiteral("No preset matches \"%1\".").arg(options.listQuery));
+        return rows.isEmpty() ? Exit_Usage : Exit_Done;
     }
 
     // Under test, every preset the query finds; otherwise the one preset named.
@@ -194,11 +196,13 @@ int main(int argc, char* argv[]) {
     OutputBrowser browser{catalogue, settings};
     Cli_ApplyPreset(settings, browser, presets, presetRow);
     for (const auto& [field, value] : options.sets) {
-        const QString refusal = Cli_ApplySet(settings, field, value);
+        QString clamped;
+        const QString refusal = Cli_ApplySet(settings, field, value, clamped);
         if (!refusal.isEmpty()) {
             err(QStringLiteral("--set %1: %2").arg(field, refusal));
             return Exit_Usage;
         }
+        if (!clamped.isEmpty()) err(QStringLiteral("--set %1: %2").arg(field, clamped));
     }
     if (!options.effects.trimmed().isEmpty()) {
         // Checked once here, as the frames would meet it: unknown names are passed over, a value that

@@ -145,9 +145,15 @@ bool Parse_EncoderOptions(std::string_view text, EncoderOptions& out, std::strin
         } else {
             static const char* const valued[] = {"-ac",     "-ar",      "-ab",   "-acodec", "-r", "-vb",
                                                  "-vcodec", "-pix_fmt", "-vtag", "-target", "-t", "-vf"};
-            bool known = false;
+            // Only the encoder options the builder writes: the dialect stays closed, so that a thread
+            // count or the like cannot slip into a preset.
+            static const char* const encoderPrivate[] = {"-preset", "-row-mt", "-deadline", "-cpu-used"};
+            bool known = false, isPrivate = false;
             for (const char* v : valued)
                 known = known || name == v;
+            for (const char* v : encoderPrivate)
+                isPrivate = isPrivate || name == v;
+            known = known || isPrivate;
             if (!known) {
                 error = "Unrecognized option '" + name.substr(1) + "'";
                 return false;
@@ -158,7 +164,11 @@ bool Parse_EncoderOptions(std::string_view text, EncoderOptions& out, std::strin
             }
             const std::string& v = tokens[++i].text;
             bool ok = true;
-            if (name == "-ac") {
+            if (isPrivate) {
+                // The value is the encoder's to judge, when it opens.
+                ok = !v.empty();
+                out.codecOptions.emplace_back(name.substr(1), v);
+            } else if (name == "-ac") {
                 const auto n = parsePositiveInt(v, 64);
                 ok = n.has_value();
                 if (ok) out.channels = *n;

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace morvane {
 
@@ -44,6 +46,10 @@ struct EncoderOptions {
     DvTarget target = DvTarget::None;
     bool deinterlace = false; // -deinterlace: a deinterlacer ahead of the filter chain
     std::string videoFilters; // -vf, as given (the builder's chain starts with a blank)
+
+    // Encoder-private options (-preset, -row-mt, -deadline, -cpu-used), names without the dash, in
+    // order. As with the ffmpeg program, each goes to every encoder of the output that knows it.
+    std::vector<std::pair<std::string, std::string>> codecOptions;
 
     std::int64_t durationUs = -1; // -t; -1 means to the end of the input
 };

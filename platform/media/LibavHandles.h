@@ -5,6 +5,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
 #include <libavutil/error.h>
 #include <libavutil/frame.h>
 #include <libswresample/swresample.h>
@@ -46,6 +47,9 @@ struct SwrFreer {
 struct InOutFreer {
     void operator()(AVFilterInOut* io) const { avfilter_inout_free(&io); }
 };
+struct DictFreer {
+    void operator()(AVDictionary* d) const { av_dict_free(&d); }
+};
 
 using InputPtr = std::unique_ptr<AVFormatContext, InputCloser>;
 using OutputPtr = std::unique_ptr<AVFormatContext, OutputCloser>;
@@ -56,6 +60,7 @@ using GraphPtr = std::unique_ptr<AVFilterGraph, GraphFreer>;
 using SwsPtr = std::unique_ptr<SwsContext, SwsFreer>;
 using SwrPtr = std::unique_ptr<SwrContext, SwrFreer>;
 using InOutPtr = std::unique_ptr<AVFilterInOut, InOutFreer>;
+using DictPtr = std::unique_ptr<AVDictionary, DictFreer>;
 
 inline std::string errorText(int code) {
     char buf[AV_ERROR_MAX_STRING_SIZE] = {};

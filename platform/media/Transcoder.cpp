@@ -8,6 +8,7 @@ extern "C" {
 #include <libavfilter/buffersrc.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/imgutils.h>
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -109,6 +110,30 @@ int copySideData(const AVCodecContext* e, AVStream* st) {
         std::memcpy(dst, sd.data, sd.size);
     }
     return 0;
+}
+
+// The encoder-private options that this encoder knows, as the ffmpeg program picks them for each of
+// its streams: an option of the encoder's own class, or a generic one meant for its kind of media.
+// The rest are not for this encoder and stay out.
+DictPtr encoderOptions(const AVCodec* codec, const EncoderOptions& options) {
+    const int flags = AV_OPT_FLAG_ENCODING_PARAM |
+                      (codec->type == AVMEDIA_TYPE_VIDEO ? AV_OPT_FLAG_VIDEO_PARAM : AV_OPT_FLAG_AUDIO_PARAM);
+    const AVClass* generic = avcodec_get_class();
+    const AVClass* own = codec->priv_class;
+    AVDictionary* dict = nullptr;
+    for (const auto& [name, value] : options.codecOptions) {
+        const bool known = av_opt_find(&generic, name.c_str(), nullptr, flags, AV_OPT_SEARCH_FAKE_OBJ) ||
+                           (own && av_opt_find(&own, name.c_str(), nullptr, flags, AV_OPT_SEARCH_FAKE_OBJ));
+        if (known) av_dict_set(&dict, name.c_str(), value.c_str(), 0);
+    }
+    return DictPtr(dict);
+}
+
+int openEncoder(AVCodecContext* e, const AVCodec* codec, const EncoderOptions& options) {
+    AVDictionary* dict = encoderOptions(codec, options).release();
+    const int r = avcodec_open2(e, codec, &dict);
+    const DictPtr unused(dict); // the encoder takes what it knows and leaves the rest here
+    return r;
 }
 
 struct OutStream {
@@ -405,7 +430,7 @@ private:
         // The library's default is one thread; the ffmpeg program asks for one per core, as we do.
         e->thread_count = m_cb.codecThreads;
         if (m_out->oformat->flags & AVFMT_GLOBALHEADER) e->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        int r = avcodec_open2(e, codec, nullptr);
+        int r = openEncoder(e, codec, m_opt);
         if (r < 0) return fail("opening the video encoder '" + std::string(codec->name) + "'", r);
 
         s.out = avformat_new_stream(m_out.get(), nullptr);
@@ -478,7 +503,7 @@ private:
         if (m_opt.audioBitrate > 0) e->bit_rate = m_opt.audioBitrate;
         e->thread_count = m_cb.codecThreads;
         if (m_out->oformat->flags & AVFMT_GLOBALHEADER) e->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        int r = avcodec_open2(e, codec, nullptr);
+        int r = openEncoder(e, codec, m_opt);
         if (r < 0) {
             av_channel_layout_uninit(&inLayout);
             av_channel_layout_uninit(&layout);

@@ -31,6 +31,9 @@ check "a parallel count that is no number is a usage error" $?
 "$cli" --list-presets "320 x 240" >"$work/out" 2>/dev/null; rc=$?
 [ $rc -eq 0 ] && grep -qx "$preset | VideoFormat | MP4" "$work/out" && ! grep -v "320 x 240" "$work/out" | grep -q .
 check "--list-presets QUERY lists only matching presets as Name | Maker | Keyword" $?
+"$cli" --list-presets "no such preset anywhere" >"$work/out" 2>"$work/err"; rc=$?
+[ $rc -eq 2 ] && [ ! -s "$work/out" ] && grep -qx 'No preset matches "no such preset anywhere".' "$work/err"
+check "--list-presets QUERY without a match says so and exits 2" $?
 
 # The preset test on the first file: without sound the audio preset of the two that "Portable" finds
 # fails, with the reason; nothing converted is left anywhere.
@@ -62,6 +65,15 @@ check "--set changes values through the settings, with units optional" $?
 [ $rc -eq 2 ] && grep -q "unknown field" "$work/err"; check "--set with an unknown field is a usage error" $?
 "$cli" --preset "$preset" --set width=400 --set height=300 --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null
 [ $? -eq 0 ] && grep -q "scale=400:300" "$work/out"; check "--set width and height type into the boxes" $?
+"$cli" --preset "$preset" --set video-bitrate=400 --dry-run "$work/clip1.mp4" >"$work/out" 2>/dev/null
+grep -q -- "-vb 400k" "$work/out"; check "--set video-bitrate is bounded by the preset's own frame size" $?
+# A value beyond the preset's limits is clamped, and the clamp is told: field, asked value, value used.
+for c in "MPEG-1 - 640 x 480|width|1000|640|scale=640:480" "$preset|video-bitrate|200|323|-vb 323k"; do
+    IFS='|' read -r name field asked used part <<<"$c"
+    "$cli" --preset "$name" --set "$field=$asked" --dry-run "$work/clip1.mp4" >"$work/out" 2>"$work/err"; rc=$?
+    [ $rc -eq 0 ] && grep -q -- "$part" "$work/out" && grep -q "^--set $field: $asked .*, $used used" "$work/err"
+    check "--set $field=$asked says that $used was used" $?
+done
 
 mkdir -p "$work/in/sub"
 cp "$work/clip1.mp4" "$work/in/"

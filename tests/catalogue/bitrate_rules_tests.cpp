@@ -33,6 +33,7 @@ TEST(AutoVideoBitrate, Estimates) {
         {500, 300, "25 fps", 1, 0, 262500},
         {100, 50, "5 fps", 0, 1, 4}, // 3.5 rounds to even
         {3840, 2160, "60 fps", 4, 1, 139346},
+        {1920, 1080, "50 fps", 2, 1, 14515},
         // Run-time errors.
         {3840, 2160, "120 fps", 4, 1, 1500}, // 3,981,312,000 overflows 32 bits
         {7680, 4320, "60 fps", 4, 1, 1500},
@@ -59,6 +60,9 @@ TEST(VideoBitrateList, BoundsAndLadder) {
         {1920, 1080, 20000, 20000, 2903},
         {64, 64, 50000, 103, 17},
         {16, 16, 50000, 6, 1},
+        // The 4K rows stop at 30000, the ladder's last step that the builder's 16-bit guard lets by.
+        {3840, 2160, 30000, 30000, 11612},
+        {1080, 1920, 30000, 30000, 2903},
     };
     for (const Bounds& b : bounds) {
         EXPECT_EQ(Bitrate_Upper(b.width, b.height, b.maxRate), b.upper) << b.width << "x" << b.height;
@@ -82,6 +86,7 @@ TEST(VideoBitrateList, BoundsAndLadder) {
          "Custom;"},
         {64, 64, 50000, "Smart Fit;32 kbps;64 kbps;96 kbps;Custom;"},
         {16, 16, 50000, "Smart Fit;Custom;"},
+        {3840, 2160, 30000, "Smart Fit;12000 kbps;15000 kbps;30000 kbps;Custom;"},
     };
     for (const List& l : lists)
         EXPECT_EQ(VideoBitrate_List(l.width, l.height, l.maxRate), l.expected)
@@ -240,7 +245,11 @@ TEST(AudioBitrateList, ComputedAndFixedCodecs) {
          "192 kbps;224 kbps;256 kbps;288 kbps;320 kbps;"},
         {"No Audio", "-", "-", "-", "-;"},
         {"No Audio", "44100 Hz", "Stereo", "16 bit", ""},
-        {"Opus", "48000 Hz", "Stereo", "16 bit", ""},
+        {"Opus", "48000 Hz", "Stereo", "16 bit",
+         "32 kbps;48 kbps;64 kbps;96 kbps;128 kbps;160 kbps;192 kbps;256 kbps;"},
+        {"Opus", "48000 Hz", "Mono", "", "32 kbps;48 kbps;64 kbps;96 kbps;128 kbps;"},
+        {"Opus", "44100 Hz", "Stereo", "16 bit", ""}, // Opus is offered at 48 kHz alone
+        {"Opus", "48000 Hz", "5.1 Surround", "16 bit", ""},
         {"", "48000 Hz", "Stereo", "16 bit", ""},
     };
     for (const Case& c : cases)

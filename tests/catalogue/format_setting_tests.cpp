@@ -59,9 +59,8 @@ TEST_F(FormatSettingTest, ApplyingAPresetSetsLimitsAndEstimateAndWritesNothingBa
     EXPECT_FALSE(settings.Txt_OutputVideoWidth.visible); // "1280 x 720" is offered
     EXPECT_EQ(settings.Radio_Quality, Quality_High);
     EXPECT_TRUE(settings.qualityEnabled);
-    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "7741"); // 1280 x 720 x 30 x 4 x 0.07 / 1000
-    // The lower limit was taken when the codec was selected, before the size was set: 720 x 560.
-    EXPECT_EQ(settings.Txt_OutputVideoBitrate.minimum, 564);
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, "7741");  // 1280 x 720 x 30 x 4 x 0.07 / 1000
+    EXPECT_EQ(settings.Txt_OutputVideoBitrate.minimum, 1290); // 1280 x 720 x 20 x 1 x 0.07 / 1000
     EXPECT_EQ(settings.Txt_OutputVideoBitrate.maximum, 50000);
     EXPECT_EQ(settings.Txt_OutputVideoWidth.maximum, 1920);
     EXPECT_EQ(settings.Combo_OutputFile[List_AudioBitrate].count(), 14);
@@ -209,6 +208,24 @@ TEST_F(FormatSettingTest, NewPresetsCarryTheValuesWithoutLocks) {
     EXPECT_EQ(preset(4, "AudioCodec"), "AAC");
 }
 
+// The shared size library offers each codec only the sizes its bounds hold.
+TEST_F(FormatSettingTest, TheSizeLibraryFollowsTheCodecsBounds) {
+    addRows(
+        catalogue.ReportControl_FormatMain, {},
+        {"MP4//H.265/HEVC//#//UseFrameLib//UseFPSLib//UseAspectRatioLib//mp4;//3840//2160//30000//#//#//#"});
+    settings.PresetList_Select(0);
+    const struct {
+        const char *codec, *size;
+        bool offered;
+    } cases[] = {
+        {"H.264", "1080 x 1920", false}, {"H.264", "Custom", true}, {"H.265/HEVC", "1080 x 1920", true}};
+    for (const auto& c : cases) {
+        settings.selectListValue(List_VideoCodec, c.codec, 0);
+        EXPECT_EQ(settings.Combo_OutputFile[List_FrameSize].indexOf(c.size) >= 0, c.offered)
+            << c.codec << " " << c.size;
+    }
+}
+
 TEST_F(FormatSettingTest, AnotherVideoCodecKeepsTheRowsOtherValues) {
     addRows(catalogue.ReportControl_FormatMain, {},
             {"MP4//MPEG4 (DivX/Xvid compatible)//#//UseFrameLib//UseFPSLib//UseAspectRatioLib//mp4;//1280//"
@@ -224,4 +241,52 @@ TEST_F(FormatSettingTest, AnotherVideoCodecKeepsTheRowsOtherValues) {
     }
     EXPECT_EQ(preset(1, "VideoCodec"), "MPEG4 (DivX/Xvid compatible)");
     EXPECT_EQ(preset(1, "FileExtention"), "mp4");
+}
+
+// The floor of the bitrate spinner belongs to the size being applied, never to the preset before it.
+TEST_F(FormatSettingTest, TheBitrateFloorFollowsTheAppliedSize) {
+    const struct {
+        qsizetype before;
+        qsizetype row;
+        int floor;
+    } cases[] = {{1, 2, 484}, {2, 1, 1290}, {1, 4, 564}}; // 720 x 480, 1280 x 720, "Original"
+    for (const auto& c : cases) {
+        settings.Preset_Apply(c.before);
+        settings.Preset_Apply(c.row);
+        EXPECT_EQ(settings.Txt_OutputVideoBitrate.minimum, c.floor) << c.before << " then " << c.row;
+    }
+}
+
+// A number typed under "Custom" comes back as "Custom" with that number; a ladder value as itself.
+TEST_F(FormatSettingTest, AStoredBitrateComesBackAsItWasChosen) {
+    const struct {
+        const char* typed;
+        const char* shown;
+    } cases[] = {{"2500", "Custom"}, {"3000", "3000 kbps"}};
+    for (const auto& c : cases) {
+        settings.PresetList_Select(0);
+        settings.selectListValue(List_VideoBitrate, "Custom", 0);
+        settings.boxChanged(settings.Txt_OutputVideoBitrate, c.typed);
+        settings.boxLeft(settings.Txt_OutputVideoBitrate);
+        ASSERT_EQ(preset(1, "VideoBitrate"), c.typed);
+        settings.PresetList_Select(1);
+        settings.PresetList_Select(0);
+        EXPECT_EQ(text(List_VideoBitrate), c.shown) << c.typed;
+        EXPECT_EQ(settings.Txt_OutputVideoBitrate.text, c.typed);
+    }
+}
+
+// A deleted preset leaves the browser's list too; the choice there moves on and is applied.
+TEST_F(FormatSettingTest, DeletingAPresetTakesItOutOfTheMainList) {
+    catalogue.Cmd_OutputPreset.select(2); // "Mine"
+    settings.PresetList_Fill("MP4", 0);
+    settings.PresetList_Select(2);
+    settings.deletePreset();
+    QStringList names;
+    for (const ValueListItem& item : catalogue.Cmd_OutputPreset.items())
+        names << item.text;
+    EXPECT_EQ(names, QStringList({"MP4 HD", "Phone"}));
+    EXPECT_EQ(catalogue.Cmd_OutputPreset.selectedText(), "Phone");
+    EXPECT_EQ(settings.PresetList.at(settings.presetListSelected).name, "Phone");
+    EXPECT_EQ(settings.Txt_ID, "2");
 }

@@ -16,6 +16,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
@@ -156,10 +157,10 @@ TEST_F(SettingsWindowTest, BoxesFollowTheirListsClampAtOnceAndRecompute) {
     choose(List_FrameSize, "Custom");
     EXPECT_TRUE(shown(width) && shown(box("Height")) && shown(control<QLabel>("lbl_OutputVideoSize")));
     type(width, "5a-000");
-    EXPECT_EQ(width->text(), "1920"); // digits only, and no more than the codec's maximum
+    EXPECT_EQ(width->text(), "3840"); // digits only, and no more than the codec's maximum
     arrow("Width", "Down")->click();
-    EXPECT_EQ(width->text(), "1919");
-    EXPECT_EQ(cell(rowOf("MP4 - H.264 HD 720p"), "Width"), "1919");
+    EXPECT_EQ(width->text(), "3839");
+    EXPECT_EQ(cell(rowOf("MP4 - H.264 HD 720p"), "Width"), "3839");
 
     // Leaving a box under "Smart Fit" recomputes the hidden bitrate for the new size.
     ASSERT_EQ(list(List_VideoBitrate)->currentText(), "Smart Fit");
@@ -284,6 +285,28 @@ TEST_F(SettingsWindowTest, NewRenameAndDeleteUserPresets) {
     EXPECT_EQ(table->rowCount(), builtIn);
     EXPECT_EQ(rowOf("Renamed"), 0);
     EXPECT_FALSE(remove->isEnabled());
+}
+
+// On Devices the new and delete buttons are hidden, but the list's menu still serves user presets.
+TEST_F(SettingsWindowTest, TheListMenuServesUserPresetsOnDevicesToo) {
+    CatalogueTable& presets = catalogue.ReportControl_PresetMain;
+    addRows(presets, {}, {presets.records().at(Row_Find(presets, "Keyword", "iPhone") - 1).join("//")});
+    for (const auto& [column, value] :
+         {std::pair{"ID", "User-1"}, {"Name", "My iPhone"}, {"Removable", "Yes"}})
+        Cell_Set(presets, presets.rowCount(), column, value, true, true);
+    openGroup(Panel_Devices, "iPhone", 0);
+    window->show();
+    QTableWidget* table = presetTable();
+    const int mine = table->rowCount() - 1;
+    ASSERT_EQ(table->item(mine, 0)->text(), "My iPhone");
+    table->selectRow(mine);
+    EXPECT_FALSE(shown(button("Cmd_PanelList_0")));
+    emit table->customContextMenuRequested(table->visualItemRect(table->item(mine, 0)).center());
+    auto* menu = control<QMenu>("mnuList");
+    EXPECT_TRUE(menu->isVisible());
+    EXPECT_TRUE(control<QAction>("mnuList_1")->isEnabled() && control<QAction>("mnuList_3")->isEnabled());
+    menu->close();
+    window->hide();
 }
 
 TEST_F(SettingsWindowTest, KeepingWritesTheUserFileAndRefillsTheMainList) {

@@ -12,10 +12,10 @@ TEST(LibraryList, ValueLibraries) {
               "Original;80 x 60;96 x 72;128 x 96;160 x 120;176 x 120;176 x 144;192 x 144;240 x 180;240 x 160;"
               "320 x 200;320 x 240;352 x 288;480 x 320;640 x 360;640 x 480;720 x 480;720 x 576;768 x 576;"
               "800 x 480;854 x 480;960 x 540;960 x 640;1024 x 576;1024 x 600;1280 x 720;1440 x 1080;"
-              "1920 x 1080;Custom;");
+              "1920 x 1080;2560 x 1440;3840 x 2160;1080 x 1920;Custom;");
     EXPECT_EQ(Library_List(2),
               "Original;1 fps;2 fps;3 fps;5 fps;10 fps;12 fps;15 fps;20 fps;23.976 fps;24 fps;"
-              "25 fps;29.97 fps;30 fps;");
+              "25 fps;29.97 fps;30 fps;50 fps;60 fps;");
     EXPECT_EQ(Library_List(3), "Smart Fit;4:3;16:9;Original;");
     EXPECT_EQ(Library_List(0), "");
     EXPECT_EQ(Library_List(4), "");

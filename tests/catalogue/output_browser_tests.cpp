@@ -130,6 +130,17 @@ TEST_F(BrowserTest, GroupsOpenWithTheirRememberedPreset) {
     EXPECT_EQ(browser.PanelActive, Panel_Devices);
 }
 
+// A preset picked in the settings and kept with OK is the one its button opens with later.
+TEST_F(BrowserTest, APresetKeptInTheSettingsIsRememberedForItsButton) {
+    browser.Panel_Show(Panel_VideoFormats); // "MP4 HD"
+    settings.PresetList_Select(3);          // "My own"
+    settings.Cmd_Panel(1);
+    browser.Group_Open(Panel_VideoFormats, 1);
+    browser.Group_Open(Panel_VideoFormats, 0);
+    EXPECT_EQ(selected(), "My own");
+    EXPECT_EQ(settings.Txt_ID, "u1");
+}
+
 TEST_F(BrowserTest, MergeCheckBoxRuleByPanelAndCaption) {
     browser.Panel_Show(Panel_VideoFormats);
     browser.mergeChecked = true;

@@ -180,6 +180,26 @@ TEST_F(ShippedCatalogue, EveryOfferedAudioChoiceHasBitratesAndChannelsInOrder) {
     EXPECT_TRUE(failures.isEmpty()) << failures.join('\n').toStdString();
 }
 
+// The settings offer a codec in a container where players take it, never elsewhere; and no format
+// allows a bitrate that the builder's 16-bit guard would write as 200 kbps.
+TEST_F(ShippedCatalogue, ContainersOfferTodaysCodecsWhereTheyPlayWithinTheGuard) {
+    const struct {
+        const char *codec, *column;
+        QStringList offeredIn, notIn;
+    } cases[] = {{"H.265/HEVC", "VideoCodec", {"MP4", "MKV", "MOV"}, {"WebM", "AVI", "FLV"}},
+                 {"VP9", "VideoCodec", {"WebM", "MKV", "MP4"}, {"MOV", "AVI"}},
+                 {"AV1", "VideoCodec", {"WebM", "MKV", "MP4"}, {"MOV", "AVI"}},
+                 {"Opus", "AudioCodec", {"WebM", "MKV", "OGG", "OPUS"}, {"MP4", "MOV", "AVI", "M4A"}}};
+    for (const auto& c : cases)
+        for (const QString& format : c.offeredIn + c.notIn) {
+            ValueList offered;
+            List_FillCodecs(formats(), format, c.column, offered);
+            EXPECT_EQ(offered.indexOf(c.codec) >= 0, c.offeredIn.contains(format)) << format.toStdString();
+        }
+    for (qsizetype row = 1; row <= formats().rowCount(); ++row)
+        EXPECT_LE(Cell_Get(formats(), row, "MaxVideoBitrate").toInt(), 32767) << row;
+}
+
 TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
     const QSet<QString> encoders = ffmpegEncoders();
     if (encoders.isEmpty()) ADD_FAILURE() << "the ffmpeg program could not list its encoders";
@@ -283,6 +303,24 @@ TEST_F(ShippedCatalogue, EveryPresetReachesTheSettingsAndEncodes) {
         }
     }
     EXPECT_TRUE(failures.isEmpty()) << failures.size() << " failures:\n" << failures.join('\n').toStdString();
+}
+
+// A frame size in a preset's name, as "SVCD NTSC (480 x 480)", is the size it applies and shows.
+TEST_F(ShippedCatalogue, ASizeInAPresetsNameIsTheSizeItApplies) {
+    static const QRegularExpression sizeInName(QStringLiteral("(\\d+) x (\\d+)"));
+    FormatSetting settings(*catalogue);
+    QStringList failures;
+    for (qsizetype row = 1; row <= presets().rowCount(); ++row) {
+        const QRegularExpressionMatch named = sizeInName.match(preset(row, "Name"));
+        if (!named.hasMatch()) continue;
+        settings.Preset_Apply(row);
+        const QString applied =
+            QStringLiteral("%1 x %2").arg(settings.widthValue()).arg(settings.heightValue());
+        const QString shown = settings.Combo_OutputFile[List_FrameSize].selectedText();
+        if (applied != named.captured(0) || shown != named.captured(0))
+            failures << preset(row, "Name") + ": applies " + applied + ", shows " + shown;
+    }
+    EXPECT_TRUE(failures.isEmpty()) << failures.join('\n').toStdString();
 }
 
 // Every panel offers its groups and every maker its devices; the preset each button remembers before

@@ -166,6 +166,8 @@ TEST(MakeEncoderArgs, VideoBitrateGivenGuardedOrEstimated) {
         {400, 360, "25 fps", 1, "", "-r 25 -aspect 1.78 -vb 756k", "400:360"}, // factor 3
         {500, 360, "25 fps", 1, "", "-r 25 -aspect 1.78 -vb 315k", "500:360"}, // factor 1
         {0, 0, "25 fps", 2, "", "-r 25 -aspect 1.78 -vb 3226k", "1280:720"},   // from the source size
+        {3840, 2160, "60 fps", 4, "30000", "-r 60 -aspect 1.78 -vb 30000k", "3840:2160"}, // a 4K row's top
+        {1920, 1080, "60 fps", 4, "", "-r 60 -aspect 1.78 -vb 200k", "1920:1080"},        // 34836 guarded
     };
     for (const Case& c : cases) {
         EncoderParams p = typical();
@@ -300,6 +302,10 @@ TEST(MakeEncoderArgs, CodecsChosenByOutputSizeOrFormat) {
         {"Uncompressed", "GIF", 640, 360, 1280, 720, " -pix_fmt rgb24", "640:360"},
         {"Uncompressed", "AVI", 640, 360, 1280, 720, " -vcodec rawvideo", "640:360"},
         {"Uncompressed", "avi", 640, 360, 1280, 720, "", "640:360"},
+        // HEVC carries Apple's tag in the MPEG-4 family only; Matroska and WebM have no such tags.
+        {"H.265/HEVC", "MOV", 640, 360, 1280, 720, " -vcodec libx265 -vtag hvc1", "640:360"},
+        {"H.265/HEVC", "MKV", 640, 360, 1280, 720, " -vcodec libx265", "640:360"},
+        {"H.265/HEVC", "mp4", 640, 360, 1280, 720, " -vcodec libx265", "640:360"},
     };
     for (const Case& c : cases) {
         EncoderParams p = typical();
@@ -379,7 +385,8 @@ TEST(MakeEncoderArgs, EveryAudioCodecLabel) {
                                {"PCM big-endian", "32 bit", " -acodec pcm_s32be"},
                                {"PCM big-endian", "", ""},
                                {"mp3", "16 bit", ""},
-                               {"Opus", "16 bit", ""}};
+                               {"Opus", "16 bit", " -acodec libopus"},
+                               {"opus", "16 bit", ""}};
     for (const CodecCase& c : cases) {
         EncoderParams p = typical();
         p.VideoCodec = "No Video";
@@ -412,6 +419,9 @@ TEST(MakeEncoderArgs, EveryVideoCodecLabel) {
         {"Windows Media Video V7", " -vcodec wmv1"},
         {"Windows Media Video V8", " -vcodec wmv2"},
         {"Theora", " -vcodec libtheora"},
+        {"H.265/HEVC", " -vcodec libx265 -vtag hvc1"},
+        {"VP9", " -vcodec libvpx-vp9 -deadline good -cpu-used 4 -row-mt 1"},
+        {"AV1", " -vcodec libsvtav1 -preset 8"},
         {"Uncompressed", ""},
         {"h.264", ""}};
     for (const auto& [label, written] : cases) {

@@ -640,6 +640,15 @@ TEST_F(BrowserWindow, SettingsWindowSavesAUserPresetThatTheBrowserOffers) {
     const int mine = view->presetList()->findText(QStringLiteral("My MKV"));
     view->choosePreset(mine);
     EXPECT_TRUE(w->settings().Txt_ID.startsWith(QStringLiteral("User-")));
+
+    // Deleted there, it leaves the main list at once, even when the window then closes without keeping.
+    whenModal([&](QWidget* settingsDialog) {
+        child<QPushButton>(settingsDialog, QStringLiteral("Cmd_PanelList_0"))->click();
+        child<QPushButton>(settingsDialog, QStringLiteral("Cmd_Panel_0"))->click();
+    });
+    w->button(Btn_Settings)->click();
+    EXPECT_EQ(view->presetList()->count(), before);
+    EXPECT_FALSE(w->settings().Txt_ID.startsWith(QStringLiteral("User-")));
     // The window stays, since its fields are the output parameters.
     EXPECT_NE(w->settingsWindow(), nullptr);
     EXPECT_FALSE(w->settingsWindow()->isVisible());

@@ -96,6 +96,7 @@ TEST(EncoderOptions, RefusesWithTheOptionAndValueAtFault) {
     };
     const std::vector<Case> cases = {
         {"-VideoOutputHook -threads 2", "Unrecognized option 'threads'"},
+        {"-vcodec libx265 -crf 20", "Unrecognized option 'crf'"}, // only the options the builder writes
         {"-ab 128x", "Invalid value '128x' for option '-ab'"},
         {"-vb -5k", "Invalid value '-5k' for option '-vb'"},
         {"-vb k", "Invalid value 'k' for option '-vb'"},

@@ -411,6 +411,19 @@ TEST_F(EncoderTest, StopEndsRunningAndWaitingTasksPromptly) {
     EXPECT_FALSE(QFile::exists(out("stopped1.avi")));
 }
 
+// Encoder-private options reach the encoder that knows them: a value it refuses fails the task, as it
+// fails the ffmpeg program. (The rows' own values run in the conformance suite.)
+TEST_F(EncoderTest, PrivateOptionsReachTheEncoderThatKnowsThem) {
+    FFEncoder enc;
+    Recorder rec(enc);
+    ASSERT_TRUE(
+        runOne(enc, rec, clip(), "", out("private.webm"),
+               "-ac 2 -ar 48000 -ab 96k -acodec libopus -r 25 -vb 300k -vcodec libsvtav1 -preset 99"));
+    EXPECT_TRUE(rec.terminateOf(0)->failed);
+    EXPECT_TRUE(rec.terminateOf(0)->message.contains("opening the video encoder 'libsvtav1'"))
+        << rec.terminateOf(0)->message.toStdString();
+}
+
 TEST_F(EncoderTest, AFailingTaskLeavesTheOthersToFinish) {
     const QString garbage = out("garbage.avi");
     {
