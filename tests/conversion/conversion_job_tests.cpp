@@ -375,27 +375,34 @@ TEST_F(JobTest, QueueOfThreeEndsDoneWithTheCompletionWindow) {
         EXPECT_TRUE(QFileInfo::exists(output(r)));
 }
 
-TEST_F(JobTest, WindowAndTrayDecideWhatTheEndShows) {
+TEST_F(JobTest, WindowTrayAndShutdownDecideWhatTheEndShows) {
     struct Case {
         int windowState;
         bool tray;
+        int shutdown;
         QStringList expected;
     };
     const QString tip = "tray tip Conversion is completed! - " + PRODUCT_NAME;
     const QList<Case> cases = {
-        {Window_Maximized, false, {"completion"}},
-        {Window_Minimized, false, {"popup 250 5000 255"}},
-        {Window_Normal, true, {"popup 250 5000 255", "tray stop", "tray done", tip}},
+        {Window_Maximized, false, 0, {"completion"}},
+        {Window_Minimized, false, 0, {"popup 250 5000 255"}},
+        {Window_Normal, true, 0, {"popup 250 5000 255", "tray stop", "tray done", tip}},
+        // A shutdown after the queue shows nothing and goes through the host.
+        {Window_Normal, true, 1, {"shutdown shutdown -s -t 30 -c \"Conversion is completed !\"", "unload"}},
     };
     addRows(1);
     for (const Case& c : cases) {
+        converter.Shutdown_After = c.shutdown;
         restart();
         host.windowState = c.windowState;
         host.trayAnimating = c.tray;
         host.events.clear();
         encoder.terminate(0, true);
         encoder.terminate(-1, false);
-        EXPECT_EQ(host.events.filter(QRegularExpression("^(completion|popup|tray)")), c.expected);
+        EXPECT_EQ(host.events.filter(QRegularExpression("^(completion|popup|tray|shutdown|unload)")),
+                  c.expected)
+            << host.events.join('|').toStdString();
+        EXPECT_TRUE(sink.forms.isEmpty());
     }
 }
 
@@ -482,52 +489,50 @@ TEST_F(JobTest, TheTwoStoppingFailuresStopTheQueueWithTheirMessage) {
     }
 }
 
+// A failure that does not stop the queue lets it run on and end in the report, with the window
+// brought back for it. A merge with a hole is worthless: it is skipped, and this run's pieces go, but
+// only those (the failed row's name may hold a file of the user's).
 TEST_F(JobTest, OtherFailuresLetTheQueueRunOnAndEndInTheReport) {
-    startWithOutputs(3);
-    converter.Timer_ConversionElapsed_Tick();
-    encoder.terminate(0, true);
-    encoder.progress(1, 100, 1000);
-    encoder.terminate(1, false, true, "Conversion failed: broken stream");
-    EXPECT_EQ(status(1), "Unsuccessful!");
-    EXPECT_EQ(table.text(1, FileCol::ErrMsg), "Conversion failed: broken stream");
-    EXPECT_FALSE(converter.Timer_ConversionElapsed());
-    EXPECT_EQ(converter.Status_Header, "");
-    EXPECT_FALSE(encoder.calls.contains("Stop 1"));
-    EXPECT_EQ(converter.Get_ConversionState(), Conversion_Converting);
-
-    encoder.progress(2, 100, 1000);
-    encoder.terminate(2, true);
-    encoder.terminate(-1, false);
-    ASSERT_EQ(sink.forms.size(), 1);
-    EXPECT_EQ(sink.forms.at(0).caption, "Conversion Reports");
-    EXPECT_EQ(sink.forms.at(0).message, "Can not convert these files!");
-    ASSERT_EQ(sink.forms.at(0).entries.size(), 1);
-    EXPECT_EQ(sink.forms.at(0).entries.at(0).text, "src2.avi");
-    EXPECT_EQ(sink.forms.at(0).entries.at(0).second, "Conversion failed: broken stream");
-    EXPECT_FALSE(host.events.contains("completion"));
-    EXPECT_TRUE(QFileInfo::exists(output(0))); // not merging: the good outputs stay
-}
-
-TEST_F(JobTest, FailureUnderMergeDeletesTheFinishedPiecesAndSkipsTheMerge) {
-    browser.mergeChecked = true;
     int merges = 0;
     converter.Merge_Requested = [&merges] {
         ++merges;
         return true;
     };
-    startWithOutputs(3);
-    host.windowState = Window_Minimized;
-    encoder.terminate(0, true);
-    encoder.terminate(1, false, true, "Conversion failed");
-    encoder.terminate(2, true);
-    encoder.terminate(-1, false);
-    EXPECT_EQ(sink.forms.size(), 1);
-    EXPECT_EQ(merges, 0);
-    EXPECT_EQ(host.windowState, Window_Normal); // brought back for the report
-    // The failed row's name may hold a file of the user's: only this run's pieces go.
-    EXPECT_FALSE(QFileInfo::exists(output(0)));
-    EXPECT_TRUE(QFileInfo::exists(output(1)));
-    EXPECT_FALSE(QFileInfo::exists(output(2)));
+    for (const bool merging : {false, true}) {
+        SCOPED_TRACE(merging ? "merging" : "not merging");
+        table.clearRows();
+        sink.forms.clear();
+        host.events.clear();
+        browser.mergeChecked = merging;
+        startWithOutputs(3);
+        host.windowState = Window_Minimized;
+        converter.Timer_ConversionElapsed_Tick();
+        encoder.terminate(0, true);
+        encoder.progress(1, 100, 1000);
+        encoder.terminate(1, false, true, "Conversion failed: broken stream");
+        EXPECT_EQ(status(1), "Unsuccessful!");
+        EXPECT_EQ(table.text(1, FileCol::ErrMsg), "Conversion failed: broken stream");
+        EXPECT_FALSE(converter.Timer_ConversionElapsed());
+        EXPECT_EQ(converter.Status_Header, "");
+        EXPECT_FALSE(encoder.calls.contains("Stop 1"));
+        EXPECT_EQ(converter.Get_ConversionState(), Conversion_Converting);
+
+        encoder.progress(2, 100, 1000);
+        encoder.terminate(2, true);
+        encoder.terminate(-1, false);
+        ASSERT_EQ(sink.forms.size(), 1);
+        EXPECT_EQ(sink.forms.at(0).caption, "Conversion Reports");
+        EXPECT_EQ(sink.forms.at(0).message, "Can not convert these files!");
+        ASSERT_EQ(sink.forms.at(0).entries.size(), 1);
+        EXPECT_EQ(sink.forms.at(0).entries.at(0).text, "src2.avi");
+        EXPECT_EQ(sink.forms.at(0).entries.at(0).second, "Conversion failed: broken stream");
+        EXPECT_FALSE(host.events.contains("completion"));
+        EXPECT_EQ(host.windowState, Window_Normal);
+        EXPECT_EQ(merges, 0);
+        EXPECT_EQ(QFileInfo::exists(output(0)), !merging);
+        EXPECT_TRUE(QFileInfo::exists(output(1)));
+        EXPECT_EQ(QFileInfo::exists(output(2)), !merging);
+    }
 }
 
 TEST_F(JobTest, MergeRunsAfterAGoodQueueAndItsFailureEndsQuietly) {
@@ -550,16 +555,6 @@ TEST_F(JobTest, MergeRunsAfterAGoodQueueAndItsFailureEndsQuietly) {
         EXPECT_EQ(host.events.contains("completion"), result);
     }
     EXPECT_EQ(order, QStringList({"merge", "merge"}));
-}
-
-TEST_F(JobTest, ShutdownAfterShowsNothingAndGoesThroughTheHost) {
-    converter.Shutdown_After = 1;
-    startWithOutputs(1);
-    encoder.terminate(0, true);
-    encoder.terminate(-1, false);
-    EXPECT_EQ(host.events.filter(QRegularExpression("^(shutdown|unload|completion|popup)")),
-              QStringList({"shutdown shutdown -s -t 30 -c \"Conversion is completed !\"", "unload"}));
-    EXPECT_TRUE(sink.forms.isEmpty());
 }
 
 TEST_F(JobTest, GuardedEventsStandStillAndEndsWaitForTheWindowToClose) {

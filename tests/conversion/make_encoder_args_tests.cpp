@@ -211,52 +211,42 @@ TEST(MakeEncoderArgs, AspectModesAndKeptSizes) {
 }
 
 TEST(MakeEncoderArgs, MergeTakesTheFirstItemsRateSizeAndAspect) {
-    expectBuilds({
-        {"merge keeps the first item's 120 fps",
-         [](EncoderParams& p) {
-             p.FrameRateText = "Original";
-             p.SrcFrameRate = 120;
-             p.IsMerge = true;
-             p.MergeWidth = 1920;
-             p.MergeHeight = 1080;
-             p.MergeFrameRate = 120;
-             p.MergeAspect = "1.5";
-         },
-         R"x(-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 120 -aspect 1.5 -vb 1000k -vcodec libx264 -t 10 -vf " scale=640:360")x"},
-        {"merge takes the first item's size when one side is kept",
-         [](EncoderParams& p) {
-             p.OutHeight = 0;
-             p.FrameRateText = "Original";
-             p.VideoBitrate = "";
-             p.IsMerge = true;
-             p.MergeWidth = 1920;
-             p.MergeHeight = 1080;
-             p.MergeFrameRate = 30;
-             p.MergeAspect = "1.78";
-         },
-         R"x(-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 30 -aspect 1.78 -vb 6967k -vcodec libx264 -t 10 -vf " scale=1920:1080")x"},
-        {"merge leaves a chosen rate and aspect",
-         [](EncoderParams& p) {
-             p.AspectMode = "16:9";
-             p.IsMerge = true;
-             p.MergeWidth = 1920;
-             p.MergeHeight = 1080;
-             p.MergeFrameRate = 120;
-             p.MergeAspect = "1.5";
-         },
-         R"x(-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 25 -aspect 16:9 -vb 1000k -vcodec libx264 -t 10 -vf " scale=640:360")x"},
-        {"DV at the first item's size under a merge",
-         [](EncoderParams& p) {
-             p.VideoCodec = "DV - Digital Video Format";
-             p.OutWidth = 0;
-             p.OutHeight = 0;
-             p.IsMerge = true;
-             p.MergeWidth = 720;
-             p.MergeHeight = 576;
-             p.MergeAspect = "1.25";
-         },
-         R"x(-VideoOutputHook  -ac 2 -ar 44100 -ab 128k -acodec libmp3lame -r 25 -aspect 1.25 -vb 1000k -target pal-dv -vcodec dvvideo -t 10 -vf " scale=720:576")x"},
-    });
+    // The first item's values stand in for "Original" and for a kept side; chosen values stay.
+    struct Case {
+        const char *rate, *aspect, *bitrate, *codec;
+        std::int32_t srcRate, outWidth, outHeight, mergeWidth, mergeHeight, mergeRate;
+        const char *mergeAspect, *video, *size;
+    };
+    const char* dv = "DV - Digital Video Format";
+    const Case cases[] = {
+        // 120 fps from the first item, not the source's rate capped at 30.
+        {"Original", "Original", "1000", "H.264", 120, 640, 360, 1920, 1080, 120, "1.5",
+         "-r 120 -aspect 1.5 -vb 1000k -vcodec libx264", "640:360"},
+        {"Original", "Original", "", "H.264", 25, 640, 0, 1920, 1080, 30, "1.78",
+         "-r 30 -aspect 1.78 -vb 6967k -vcodec libx264", "1920:1080"},
+        {"25 fps", "16:9", "1000", "H.264", 25, 640, 360, 1920, 1080, 120, "1.5",
+         "-r 25 -aspect 16:9 -vb 1000k -vcodec libx264", "640:360"},
+        {"25 fps", "Original", "1000", dv, 25, 0, 0, 720, 576, 0, "1.25",
+         "-r 25 -aspect 1.25 -vb 1000k -target pal-dv -vcodec dvvideo", "720:576"},
+    };
+    for (const Case& c : cases) {
+        EncoderParams p = typical();
+        p.FrameRateText = c.rate;
+        p.AspectMode = c.aspect;
+        p.VideoBitrate = c.bitrate;
+        p.VideoCodec = c.codec;
+        p.SrcFrameRate = c.srcRate;
+        p.OutWidth = c.outWidth;
+        p.OutHeight = c.outHeight;
+        p.IsMerge = true;
+        p.MergeWidth = c.mergeWidth;
+        p.MergeHeight = c.mergeHeight;
+        p.MergeFrameRate = c.mergeRate;
+        p.MergeAspect = c.mergeAspect;
+        EXPECT_EQ(Make_EncoderArgs(p), typicalWith({{"-r 25 -aspect 1.78 -vb 1000k -vcodec libx264", c.video},
+                                                    {"640:360", c.size}}))
+            << c.video;
+    }
 }
 
 TEST(MakeEncoderArgs, CropPadAndCutsToTheSourceProportion) {
