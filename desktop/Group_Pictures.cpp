@@ -16,11 +16,13 @@ namespace morvane {
 
 namespace {
 
-// Film, Wave and Screen are the tiles of the format panels; the rest are device silhouettes.
+// Film, Wave, Screen and Upright (a screen held on end, for vertical video) are the tiles of the
+// format panels; the rest are device silhouettes.
 enum class Shape {
     Film,
     Wave,
     Screen,
+    Upright,
     Phone,
     KeyPhone,
     Tablet,
@@ -142,6 +144,8 @@ constexpr Group kGroups[] = {
     {"aud_m4r", Shape::Wave, "M4R", 0},
     {"aud_mka", Shape::Wave, "MKA", 0},
     {"aud_oga", Shape::Wave, "OGA", 0},
+    {"aud_opus", Shape::Wave, "OPUS", 0},
+    {"aud_webm", Shape::Wave, "WebM", 0},
     {"web_youtube", Shape::Screen, "YouTube", 0xe62117},
     {"web_facebook", Shape::Screen, "Facebook", 0x1877f2},
     {"web_vimeo", Shape::Screen, "Vimeo", 0x1a9fd0},
@@ -152,6 +156,7 @@ constexpr Group kGroups[] = {
     {"web_instagram", Shape::Screen, "Instagram", 0xc13584},
     {"web_dailymotion", Shape::Screen, "DM", 0x0066dc},
     {"web_flash", Shape::Screen, "Flash", 0},
+    {"web_vertical", Shape::Upright, "9:16", 0},
 };
 
 const Group* findGroup(const QString& id) {
@@ -186,6 +191,7 @@ unsigned familyColour(Shape shape) {
     case Shape::Wave:
         return kAudioColour;
     case Shape::Screen:
+    case Shape::Upright:
         return kWebColour;
     case Shape::Generic:
         return 0x8c8c8c;
@@ -318,6 +324,13 @@ void drawScreen(QPainter& painter, const Canvas& c, const Palette& pal, const QS
     drawLabel(painter, c.r(0.10, 0.34, 0.80, 0.37), label, pal.label, c.len(0.26));
 }
 
+void drawUpright(QPainter& painter, const Canvas& c, const Palette& pal, const QString& label) {
+    fillRounded(painter, c.r(0.22, 0.04, 0.56, 0.92), c.len(0.08), pal.fill, pal.edge);
+    fillRounded(painter, c.r(0.42, 0.08, 0.16, 0.03), c.len(0.015), pal.holes);
+    fillPolygon(painter, c, {{0.43, 0.22}, {0.43, 0.42}, {0.60, 0.32}}, pal.label);
+    drawLabel(painter, c.r(0.25, 0.52, 0.50, 0.30), label, pal.label, c.len(0.22));
+}
+
 void drawDeviceBody(QPainter& painter, const Canvas& c, Shape shape, const QColor& body,
                     const QColor& screen) {
     switch (shape) {
@@ -430,6 +443,9 @@ QPixmap drawPicture(const QString& id, QSize size, int theme) {
         break;
     case Shape::Screen:
         drawScreen(painter, c, pal, label);
+        break;
+    case Shape::Upright:
+        drawUpright(painter, c, pal, label);
         break;
     case Shape::Generic:
         drawGeneric(painter, c, pal, label);

@@ -1,8 +1,8 @@
 // Pictures of the browser's group buttons, drawn here from the Thumbnail identifier that every preset
 // row carries ("fmt_mp4", "dev_iphone", "aud_mp3", "web_youtube" ...). One look per family: video
-// formats a film tile, audio formats a waveform tile, web formats a screen, devices a silhouette of
-// their kind over a name badge; each with a short bold label. Coloured for the current theme
-// (Theme_No: 1 Light, anything else Dark). Main thread only.
+// formats a film tile, audio formats a waveform tile, web formats a screen (stood on end for vertical
+// video), devices a silhouette of their kind over a name badge; each with a short bold label. Coloured
+// for the current theme (Theme_No: 1 Light, anything else Dark). Main thread only.
 #pragma once
 
 #include <QPixmap>

@@ -1,18 +1,37 @@
 #!/usr/bin/env bash
 # Converts a short generated clip with every shipped preset through the command-line converter and
-# checks each output with ffprobe: codecs, frame size, frame rate, sample rate, channels, and that
-# it decodes to the end. Prints "FAIL <ID> <Name>: <reason>" per failure, then "N passed, M failed".
+# checks each output with ffprobe: codecs (and the hvc1 tag of HEVC in MP4 and MOV), frame size,
+# frame rate, sample rate, channels, and that it decodes to the end. Prints "FAIL <ID> <Name>: <reason>"
+# per failure, a "SPEED" line per preset of H.265, VP9, AV1 or Opus (the clip's 2 s over the
+# converter's wall time, so start-up counts in it) and a summary per codec and picture, then
+# "N passed, M failed".
 #
-# Usage: tools/preset_sweep.sh MORVANE_CLI [--one-per-group]
+# Usage: tools/preset_sweep.sh MORVANE_CLI [--one-per-group] [--match REGEX]
+#   --one-per-group  only the first preset of every group (Maker and Keyword)
+#   --match REGEX    only the presets whose ID or Name the regular expression finds, ignoring case
 set -uo pipefail
 
-if [[ $# -lt 1 || $# -gt 2 || ( $# -eq 2 && $2 != --one-per-group ) ]]; then
-    echo "usage: $0 MORVANE_CLI [--one-per-group]" >&2
+usage() {
+    echo "usage: $0 MORVANE_CLI [--one-per-group] [--match REGEX]" >&2
     exit 2
-fi
+}
+[[ $# -ge 1 ]] || usage
 cli=$(realpath "$1")
+shift
 one_per_group=0
-[[ ${2:-} == --one-per-group ]] && one_per_group=1
+match=
+while [[ $# -gt 0 ]]; do
+    case $1 in
+    --one-per-group) one_per_group=1 ;;
+    --match)
+        [[ $# -ge 2 ]] || usage
+        match=$2
+        shift
+        ;;
+    *) usage ;;
+    esac
+    shift
+done
 repo=$(cd "$(dirname "$0")/.." && pwd)
 table="$repo/data/preset.txt"
 
@@ -29,12 +48,12 @@ if ! ffmpeg -v error -nostdin -f lavfi -i testsrc2=size=640x360:rate=25:duration
     exit 2
 fi
 
-python3 - "$cli" "$table" "$clip" "$work/out" "$one_per_group" <<'PY'
-import json, os, subprocess, sys
-from collections import Counter
+python3 - "$cli" "$table" "$clip" "$work/out" "$one_per_group" "$match" <<'PY'
+import json, os, re, statistics, subprocess, sys, time
+from collections import Counter, defaultdict
 from fractions import Fraction
 
-cli, table, clip, outroot, one_per_group = sys.argv[1:6]
+cli, table, clip, outroot, one_per_group, match = sys.argv[1:7]
 
 def cells(line):
     # Fields are quoted and comma-joined; '#' marks a locked cell and is not part of the value.
@@ -57,9 +76,19 @@ if one_per_group == '1':
             seen.add(key)
             chosen.append(p)
     presets = chosen
+if match:
+    try:
+        wanted = re.compile(match, re.IGNORECASE)
+    except re.error as e:
+        print('bad --match expression: %s' % e, file=sys.stderr)
+        sys.exit(2)
+    presets = [p for p in presets if wanted.search(p['ID']) or wanted.search(p['Name'])]
+    if not presets:
+        print('no preset matches %r' % match, file=sys.stderr)
+        sys.exit(2)
 
 VIDEO = {
-    'H.264': {'h264'},
+    'H.264': {'h264'}, 'H.265/HEVC': {'hevc'}, 'VP9': {'vp9'}, 'AV1': {'av1'},
     'MPEG4 (DivX/Xvid compatible)': {'mpeg4'}, 'Xvid MPEG4': {'mpeg4'}, 'DivX MPEG4': {'mpeg4'},
     'MPEG-1': {'mpeg1video'}, 'MPEG-2': {'mpeg2video'},
     'Windows Media Video V7': {'wmv1'}, 'Windows Media Video V8': {'wmv2'},
@@ -77,8 +106,11 @@ AUDIO = {
     'PCM little-endian': {'pcm_s16le'}, 'PCM big-endian': {'pcm_s16be'},
     'RealAudio 3.0 (dnet)': {'ac3'}, 'IMA ADPCM': {'adpcm_ima_wav', 'adpcm_ima_qt'},
     'Microsoft ADPCM': {'adpcm_ms'}, 'CCITT u-law': {'pcm_mulaw'}, 'CCITT A-law': {'pcm_alaw'},
-    'AMR': {'amr_nb'},
+    'AMR': {'amr_nb'}, 'Opus': {'opus'},
 }
+# Codecs whose encode speed the sweep reports; the clip lasts 2 s.
+TIMED = ('H.265/HEVC', 'VP9', 'AV1', 'Opus')
+CLIP_SECONDS = 2.0
 CHANNELS = {'Mono': 1, 'Stereo': 2, '5.1 Surround': 6}
 
 def rate(text):
@@ -118,6 +150,9 @@ def check(p, outdir):
             problems.append('unknown video codec label %r' % vlabel)
         elif v.get('codec_name') not in want:
             problems.append('video codec %s, want %s' % (v.get('codec_name'), '/'.join(sorted(want))))
+        elif vlabel == 'H.265/HEVC' and ext in ('.mp4', '.mov', '.m4v') and v.get('codec_tag_string') != 'hvc1':
+            # Apple's players refuse HEVC in the MPEG-4 family under any other tag.
+            problems.append('HEVC tag %s, want hvc1' % v.get('codec_tag_string'))
         w, h = v.get('width', 0), v.get('height', 0)
         pw, ph = int(p['Width'] or 0), int(p['Height'] or 0)
         if pw and ph:
@@ -189,7 +224,13 @@ def check(p, outdir):
         problems.append('duration %.3f s, want 2 s' % dur)
     return '; '.join(problems)
 
+def timed_codec(p):
+    # The codec that sets the pace: the video codec, or the audio codec of an audio-only preset.
+    label = p['VideoCodec'] if p['VideoCodec'] != 'No Video' else p['AudioCodec']
+    return label if label in TIMED else None
+
 passed = failed = 0
+speeds = defaultdict(list)
 for n, p in enumerate(presets, 1):
     pid, name = p['ID'], p['Name']
     if name_count[name.lower()] > 1:
@@ -198,8 +239,17 @@ for n, p in enumerate(presets, 1):
         continue
     outdir = os.path.join(outroot, str(n))
     os.makedirs(outdir)
+    started = time.monotonic()
     run = subprocess.run([cli, '--preset', name, '--overwrite', '--output', outdir, clip],
                          stdin=subprocess.DEVNULL, capture_output=True, text=True)
+    elapsed = time.monotonic() - started
+    codec = timed_codec(p)
+    if codec and run.returncode == 0:
+        speed = CLIP_SECONDS / elapsed
+        picture = 'audio' if p['VideoCodec'] == 'No Video' else '%sx%s %s' % (p['Width'], p['Height'], p['FPS'])
+        speeds[(codec, picture)].append(speed)
+        print('SPEED %s %s: %s %s, %.2fx real time (%.1f s)' % (pid, name, codec, picture, speed, elapsed),
+              flush=True)
     if run.returncode != 0:
         tail = [l for l in (run.stderr + run.stdout).splitlines() if l.strip()][-1:] or ['no message']
         reason = 'converter exit %d: %s' % (run.returncode, tail[0].strip())
@@ -212,6 +262,14 @@ for n, p in enumerate(presets, 1):
         passed += 1
     subprocess.run(['rm', '-rf', outdir])
 
+def pixels(key):
+    picture = key[1].split()[0]
+    return 0 if picture == 'audio' else int(picture.split('x')[0]) * int(picture.split('x')[1])
+
+for key in sorted(speeds, key=lambda k: (TIMED.index(k[0]), pixels(k), k[1])):
+    values = speeds[key]
+    print('SPEED %s %s: median %.2fx real time (%d presets, %.2fx to %.2fx)'
+          % (key[0], key[1], statistics.median(values), len(values), min(values), max(values)))
 print('%d passed, %d failed' % (passed, failed))
 sys.exit(0 if failed == 0 else 1)
 PY
