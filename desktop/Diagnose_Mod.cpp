@@ -2,9 +2,19 @@
 
 #include "Globals.h"
 
+#include <QEventLoop>
+#include <QTimer>
+
 #include <functional>
 
 namespace morvane {
+
+// A short wait in the event loop: the engine's events come in, and no core spins while the step runs.
+void DiagnoseHost::Wait_Events() {
+    QEventLoop loop;
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+}
 
 namespace {
 

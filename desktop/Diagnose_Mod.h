@@ -29,7 +29,7 @@ public:
     virtual void StartTesting() = 0;
     virtual int Get_ConversionState() = 0;
     // Lets waiting events through, blocking a few milliseconds at most; called until the queue is idle.
-    virtual void Wait_Events() = 0;
+    virtual void Wait_Events();
     // True once the run must end: its window closed, the program closing, a stop signal.
     virtual bool Test_Cancelled() { return false; }
     // A cancelled run's conversion is stopped through this, once, then waited for as usual.

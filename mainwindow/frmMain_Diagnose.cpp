@@ -7,9 +7,6 @@
 #include "frmFormatSetting.h"
 #include "frmMain.h"
 
-#include <QEventLoop>
-#include <QTimer>
-
 namespace morvane {
 
 namespace {
@@ -23,11 +20,6 @@ public:
         w.StartTesting();
     }
     int Get_ConversionState() override { return w.Get_ConversionState(); }
-    void Wait_Events() override {
-        QEventLoop loop;
-        QTimer::singleShot(20, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
     // The program closing ignores the encoder's events, so the queue would never be seen to end.
     bool Test_Cancelled() override {
         return Closing || !w.diagnoseWindow() || w.diagnoseWindow()->Cancel_Requested();

@@ -6,8 +6,6 @@
 #include "Preset_Mods.h"
 
 #include <QDir>
-#include <QEventLoop>
-#include <QTimer>
 
 namespace morvane {
 
@@ -22,11 +20,6 @@ public:
         t.converter.Start();
     }
     int Get_ConversionState() override { return t.converter.Get_ConversionState(); }
-    void Wait_Events() override {
-        QEventLoop loop;
-        QTimer::singleShot(20, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
     bool Test_Cancelled() override { return t.interrupted(); }
     void Stop_Testing() override { t.converter.Stop(); }
     int Record_Count() override { return t.table.rows(); }
